@@ -1,0 +1,37 @@
+# What every target of the project has in common.
+
+# The warnings that GCC and Clang both build without.
+function(ombrique_warnings target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                             $<$<BOOL:${OMBRIQUE_WARNINGS_AS_ERRORS}>:-Werror>)
+endfunction()
+
+# ombrique_library(NAME HEADERS h... [SOURCES cpp...] [LINKS target...] [PRIVATE_LINKS target...])
+# A static library (an interface library where there are no sources) whose headers are included from the root of the
+# project, and are each compiled alone by the header verification.
+function(ombrique_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;LINKS;PRIVATE_LINKS")
+    if(ARG_SOURCES)
+        add_library(${name} STATIC ${ARG_SOURCES})
+        target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+        target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+        ombrique_warnings(${name})
+    else()
+        add_library(${name} INTERFACE)
+        target_sources(${name} INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+        target_link_libraries(${name} INTERFACE ${ARG_LINKS})
+    endif()
+    add_library(Ombrique::${name} ALIAS ${name})
+endfunction()
+
+# ombrique_test(NAME LABEL plain|opengl|tools SOURCES cpp... [LINKS target...])
+# A GoogleTest program, each of whose tests CTest knows by itself under LABEL: plain runs without OpenGL (and under
+# ThreadSanitizer), opengl needs a driver, tools runs other programs.
+function(ombrique_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "LABEL" "SOURCES;LINKS")
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gtest_main)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+    ombrique_warnings(${name})
+    gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 300)
+endfunction()
