@@ -1,0 +1,30 @@
+#include "Platform/OpenGL/NSAutoreleasePool.h"
+
+#include "Platform/OpenGL/NSObject.h"
+
+#include <cassert>
+
+namespace {
+thread_local NSAutoreleasePool* tInnermost = nullptr;
+}
+
+NSAutoreleasePool::NSAutoreleasePool() : mOuter(tInnermost) { tInnermost = this; }
+
+NSAutoreleasePool::~NSAutoreleasePool() {
+    drain();
+    tInnermost = mOuter;
+}
+
+void NSAutoreleasePool::drain() noexcept {
+    // What is released may hand over more on its way out.
+    while (!mObjects.empty()) {
+        NSObject* object = mObjects.back();
+        mObjects.pop_back();
+        object->release();
+    }
+}
+
+void NSAutoreleasePool::addToInnermost(NSObject* object) {
+    assert(tInnermost && "autorelease on a thread that has no pool");
+    tInnermost->mObjects.push_back(object);
+}

@@ -1,0 +1,90 @@
+#include "Platform/OpenGL/NSOpenGLContext.h"
+
+#include "Platform/OpenGL/EGLBinding.h"
+#include "Platform/OpenGL/NSOpenGLPixelFormat.h"
+#include "Platform/OpenGL/RenderDisplay.h"
+
+#include <mutex>
+
+using namespace PlatformEGL;
+
+namespace {
+
+/// The living contexts, as a list through them. Nothing here has a destructor to run, since a thread that outlasts the
+/// program's statics may still let go of its context.
+struct LivingContexts {
+    std::mutex mutex;
+    NSOpenGLContext* first = nullptr;
+};
+constinit LivingContexts living;
+
+/// The calling thread's reference to the context that it has current.
+struct ThreadReference {
+    NSOpenGLContext* context = nullptr;
+
+    /// Takes over a reference, or null, in the place of the one that it holds.
+    void reset(NSOpenGLContext* next) {
+        NSOpenGLContext* previous = context;
+        context = next;
+        if (previous)
+            previous->release();
+    }
+
+    // A thread that ended with a context current would keep it from every other thread, and from ending.
+    ~ThreadReference() {
+        if (context && currentBinding() == context->CGLContextObj())
+            setBinding(nullptr);
+        reset(nullptr);
+    }
+};
+thread_local ThreadReference tReference;
+
+} // namespace
+
+NSOpenGLContext::NSOpenGLContext(const ::CGLContextObj& object) : mObject(object) {
+    const std::lock_guard lock(living.mutex);
+    mNext = living.first;
+    living.first = this;
+}
+
+NSOpenGLContext::~NSOpenGLContext() {
+    {
+        const std::lock_guard lock(living.mutex);
+        NSOpenGLContext** link = &living.first;
+        while (*link != this)
+            link = &(*link)->mNext;
+        *link = mNext;
+    }
+    destroyContext(mObject);
+}
+
+NSOpenGLContext* NSOpenGLContext::initWithFormat(const NSOpenGLPixelFormat* format,
+                                                 const NSOpenGLContext* shareContext) {
+    if (!format)
+        return nullptr;
+    const EGLContext share = shareContext ? shareContext->mObject.context : EGL_NO_CONTEXT;
+    const ::CGLContextObj object = createContext(renderDisplay(), format->mConfig, share);
+    return object != nullptr ? new NSOpenGLContext(object) : nullptr;
+}
+
+NSOpenGLContext* NSOpenGLContext::retainedContext(const ::CGLContextObj& object) {
+    const std::lock_guard lock(living.mutex);
+    for (NSOpenGLContext* context = living.first; context; context = context->mNext)
+        if (context->mObject == object)
+            return context->retainIfAlive() ? context : nullptr;
+    return nullptr;
+}
+
+NSOpenGLContext* NSOpenGLContext::currentContext() {
+    const ::CGLContextObj current = currentBinding();
+    const ::CGLContextObj held = tReference.context ? tReference.context->mObject : nullptr;
+    if (current != held)
+        tReference.reset(current != nullptr ? retainedContext(current) : nullptr);
+    return tReference.context;
+}
+
+bool NSOpenGLContext::makeCurrentContext() {
+    const bool done = setBinding(mObject);
+    currentContext();
+    return done;
+}

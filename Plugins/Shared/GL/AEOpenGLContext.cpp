@@ -1,0 +1,104 @@
+#include "Plugins/Shared/GL/AEOpenGLContext.h"
+
+#include "Platform/OpenGL/CGLCurrent.h"
+#include "Platform/OpenGL/NSAutoreleasePool.h"
+#include "Platform/OpenGL/NSOpenGLContext.h"
+#include "Platform/OpenGL/NSOpenGLPixelFormat.h"
+#include "Plugins/Shared/GL/PerContext.h"
+
+#include <glbinding/Binding.h>
+#include <glbinding/ContextInfo.h>
+#include <glbinding/Meta.h>
+#include <glbinding/Version.h>
+#include <glbinding/gl/gl.h>
+
+#include <iostream>
+
+namespace Ombrique::GaussianBlur {
+namespace {
+
+/// The pixel format of every context. The frame buffer that it describes is never drawn to, so it has no alpha, depth
+/// or stencil.
+constexpr NSOpenGLPixelFormatAttribute kPixelFormat[] = {
+    NSOpenGLPFAClosestPolicy,
+    NSOpenGLPFANoRecovery,
+    NSOpenGLPFAAlphaSize,
+    0,
+    NSOpenGLPFAColorSize,
+    24,
+    NSOpenGLPFAStencilSize,
+    0,
+    NSOpenGLPFADepthSize,
+    0,
+    NSOpenGLPFAOpenGLProfile,
+    NSOpenGLProfileVersion3_2Core,
+    0,
+};
+
+} // namespace
+
+// The delegation makes the object whole first, so that the destructor gives back the platform's context where something
+// later throws.
+AEOpenGLContext::AEOpenGLContext(const AEOpenGLContext* shareContext) : AEOpenGLContext() {
+    mNSContext = createNSContext(shareContext ? shareContext->mNSContext : nullptr, mCGLContext);
+    if (mNSContext)
+        mNSContext->makeCurrentContext();
+    // The platform may have refused while the host has nothing current: then there is nothing to bind to or to ask.
+    if (CGLGetCurrentContext() == nullptr)
+        return;
+    InitializeOpenGLBindings();
+    mExtensions = glbinding::ContextInfo::extensions(nullptr);
+}
+
+AEOpenGLContext::~AEOpenGLContext() {
+    if (!mNSContext)
+        return;
+    PerContextTable::dropContext(mCGLContext);
+    mNSContext->release();
+}
+
+void AEOpenGLContext::makeContextCurrent() {
+    const NSAutoreleasePool pool;
+    if (mNSContext)
+        mNSContext->makeCurrentContext();
+    makeCurrentFlush(mCGLContext);
+    glbinding::Binding::useCurrentContext();
+}
+
+NSOpenGLContext* AEOpenGLContext::createNSContext(NSOpenGLContext* shareContext, CGLContextObj& outContext) {
+    const NSAutoreleasePool pool;
+    NSOpenGLPixelFormat* format = NSOpenGLPixelFormat::initWithAttributes(kPixelFormat);
+    NSOpenGLContext* context = NSOpenGLContext::initWithFormat(format, shareContext);
+    outContext = context ? context->CGLContextObj() : nullptr;
+    if (format)
+        format->release();
+    return context;
+}
+
+void AEOpenGLContext::makeCurrentFlush(CGLContextObj context) {
+    const CGLContextObj current = CGLGetCurrentContext();
+    if (current == context)
+        return;
+    if (current != nullptr) {
+        gl::GLint frameBuffer = 0;
+        gl::glGetIntegerv(gl::GL_FRAMEBUFFER_BINDING, &frameBuffer);
+        if (frameBuffer == 0 || gl::glCheckFramebufferStatus(gl::GL_FRAMEBUFFER) == gl::GL_FRAMEBUFFER_COMPLETE)
+            gl::glFlush();
+    }
+    CGLSetCurrentContext(context);
+}
+
+void AEOpenGLContext::InitializeOpenGLBindings() {
+    glbinding::Binding::initialize(false);
+    // The binding takes all contexts of EGL for one. On a thread other than the first it therefore finds the context
+    // known, and leaves the thread without the state that the next call needs.
+    glbinding::Binding::useCurrentContext();
+    std::cout << std::endl
+              << "OpenGL Version:  " << glbinding::ContextInfo::version() << std::endl
+              << "OpenGL Vendor:   " << glbinding::ContextInfo::vendor() << std::endl
+              << "OpenGL Renderer: " << glbinding::ContextInfo::renderer() << std::endl
+              << "OpenGL Revision: " << glbinding::Meta::glRevision() << " (gl.xml)" << std::endl
+              << std::endl;
+}
+
+} // namespace Ombrique::GaussianBlur
