@@ -1,0 +1,104 @@
+#include "Plugins/Shared/GL/FullTargetQuad.h"
+
+#include <array>
+#include <cstdint>
+#include <glbinding/gl/gl.h>
+
+using namespace gl;
+
+namespace Ombrique::GaussianBlur {
+
+namespace {
+
+constexpr int kPositionLocation = 0;
+constexpr int kTextureCoordinateLocation = 1;
+constexpr int kTextureCoordinateComponents = 2;
+
+constexpr std::array<float, 24> kFlatVertices = {
+    1.0F,  -1.0F, 1.0F, 0.0F, //
+    1.0F,  1.0F,  1.0F, 1.0F, //
+    -1.0F, 1.0F,  0.0F, 1.0F, //
+    -1.0F, 1.0F,  0.0F, 1.0F, //
+    -1.0F, -1.0F, 0.0F, 0.0F, //
+    1.0F,  -1.0F, 1.0F, 0.0F, //
+};
+
+constexpr std::array<float, 30> kDeepVertices = {
+    1.0F,  -1.0F, 0.0F, 1.0F, 0.0F, //
+    1.0F,  1.0F,  0.0F, 1.0F, 1.0F, //
+    -1.0F, 1.0F,  0.0F, 0.0F, 1.0F, //
+    -1.0F, 1.0F,  0.0F, 0.0F, 1.0F, //
+    -1.0F, -1.0F, 0.0F, 0.0F, 0.0F, //
+    1.0F,  -1.0F, 0.0F, 1.0F, 0.0F, //
+};
+
+/// A byte offset into the bound buffer, in the form that the attribute setters take.
+const float* offset(int floats) {
+    return reinterpret_cast<const float*>(static_cast<std::uintptr_t>(floats) * sizeof(float));
+}
+
+} // namespace
+
+FullTargetQuad::~FullTargetQuad() {
+    if (unsigned& vertexArray = mVertexArray.current(); vertexArray != 0) {
+        glDeleteVertexArrays(1, &vertexArray);
+        vertexArray = 0;
+    }
+    if (mVertexBuffer != 0) {
+        glDeleteBuffers(1, &mVertexBuffer);
+    }
+}
+
+void FullTargetQuad::bindAttributes(OpenglShader& shader) {
+    shader.addAttributeBinding("position", kPositionLocation);
+    shader.addAttributeBinding("input_uv", kTextureCoordinateLocation);
+}
+
+void FullTargetQuad::drawTexture(OpenglShader& shader, unsigned texture, float multiplier) {
+    draw(shader, [&] { setTextureUniforms(shader, texture, multiplier); });
+}
+
+void FullTargetQuad::setTextureUniforms(const OpenglShader& shader, unsigned texture, float multiplier) {
+    shader.setUniformTexture("videoTexture", static_cast<int>(GL_TEXTURE_2D), static_cast<int>(texture), 0);
+    shader.setUniform1f("multiplier16bit", multiplier);
+}
+
+void FullTargetQuad::makeVertexObjects() {
+    if (unsigned& vertexArray = mVertexArray.current(); vertexArray == 0) {
+        glGenVertexArrays(1, &vertexArray);
+        glBindVertexArray(vertexArray);
+    }
+    if (mVertexBuffer == 0) {
+        glGenBuffers(1, &mVertexBuffer);
+        glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
+        if (mPositionComponents == 2) {
+            glBufferData(GL_ARRAY_BUFFER, sizeof(kFlatVertices), kFlatVertices.data(), GL_STATIC_DRAW);
+        } else {
+            glBufferData(GL_ARRAY_BUFFER, sizeof(kDeepVertices), kDeepVertices.data(), GL_STATIC_DRAW);
+        }
+    }
+}
+
+void FullTargetQuad::begin(OpenglShader& shader) {
+    makeVertexObjects();
+    shader.useProgram();
+    glBindVertexArray(mVertexArray.current());
+    glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
+    const int stride = (mPositionComponents + kTextureCoordinateComponents) * static_cast<int>(sizeof(float));
+    if (mPositionComponents == 2) {
+        shader.setAttribute2fv(kPositionLocation, offset(0), stride);
+    } else {
+        shader.setAttribute3fv(kPositionLocation, offset(0), stride);
+    }
+    shader.setAttribute2fv(kTextureCoordinateLocation, offset(mPositionComponents), stride);
+}
+
+void FullTargetQuad::end(OpenglShader& shader) {
+    glDrawArrays(GL_TRIANGLES, 0, 6);
+    shader.disableVertexAttributeArray(kPositionLocation);
+    shader.disableVertexAttributeArray(kTextureCoordinateLocation);
+    glBindVertexArray(0);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+}
+
+} // namespace Ombrique::GaussianBlur
