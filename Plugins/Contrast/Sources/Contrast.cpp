@@ -1,0 +1,295 @@
+#include "Plugins/Contrast/Sources/Contrast.h"
+
+#include "Plugins/Contrast/Sources/ContrastRender.h"
+#include "Plugins/Contrast/Sources/Identity.h"
+#include "Plugins/Shared/GL/AEOpenGLContext.h"
+#include "Plugins/Shared/GL/AEOpenGLContextManager.h"
+#include "Plugins/Shared/GL/AEOpenGLUtilities.h"
+#include "Plugins/Shared/GL/AEOpenglMainFrameBuffer.h"
+#include "Plugins/Shared/GL/SaveRestoreGLContextMac.h"
+#include "Plugins/Shared/Helper/ScopeExit.h"
+#include "Plugins/Shared/Helper/SuiteScoper.h"
+
+#include <algorithm>
+#include <glbinding/gl/gl.h>
+#include <mutex>
+#include <new>
+
+namespace Ombrique::GaussianBlur {
+
+namespace {
+
+/// The contrast pass of the plug-in; null between global setdown and the next global setup.
+ContrastRender* mWarpRender = new ContrastRender;
+
+/// Held over the part of a frame that uses what all frames share: the pass, the render targets. Also held over setup
+/// and setdown, so that neither meets a frame.
+std::mutex frameLock;
+
+/// The effect's two sliders, with their index, which is also their id.
+constexpr std::int32_t kContrastIndex = 1;
+constexpr std::int32_t kBrightnessIndex = 2;
+constexpr std::int32_t kParameterCount = 3;
+
+constexpr std::int32_t kAppend = -1;
+constexpr std::int32_t kInputLayerIndex = 0;
+constexpr std::int32_t kInputCheckoutId = 0;
+
+struct Slider {
+    std::int32_t id;
+    const char* name;
+    float standard;
+    float least;
+    float most;
+    std::int16_t precision;
+};
+
+constexpr Slider kContrastSlider{kContrastIndex, "Contrast Value", 1.0F, 0.0F, 10.0F, 2};
+constexpr Slider kBrightnessSlider{kBrightnessIndex, "Brightness Value", 0.0F, -100.0F, 100.0F, 1};
+constexpr float kCurveTolerance = 0.05F;
+
+void UnionRect(const PF_LRect* src, PF_LRect* dest) {
+    if (IsEmptyRect(dest)) {
+        *dest = *src;
+    } else if (!IsEmptyRect(src)) {
+        dest->left = std::min(dest->left, src->left);
+        dest->top = std::min(dest->top, src->top);
+        dest->right = std::max(dest->right, src->right);
+        dest->bottom = std::max(dest->bottom, src->bottom);
+    }
+}
+
+PF_Err about(PF_InData* in_data, PF_OutData* out_data) {
+    const SuiteScoper<PF_ANSICallbacksSuite1> ansi(in_data, "PF ANSI Suite", 1, nullptr, nullptr);
+    ansi.mSuite->sprintf(out_data->return_msg, "%s v%d.%d\r%s", kEffectName, kMajorVersion, kMinorVersion,
+                         kEffectDescription);
+    return PF_Err_NONE;
+}
+
+PF_Err addSlider(PF_InData* in_data, const Slider& slider) {
+    PF_ParamDef def{};
+    def.param_type = PF_Param_FLOAT_SLIDER;
+    in_data->utils->ansi.strcpy(def.name, slider.name);
+    def.uu.id = slider.id;
+    PF_FloatSliderDef& values = def.u.fs_d;
+    values.value = slider.standard;
+    values.dephault = slider.standard;
+    values.valid_min = slider.least;
+    values.valid_max = slider.most;
+    values.slider_min = slider.least;
+    values.slider_max = slider.most;
+    values.precision = slider.precision;
+    values.curve_tolerance = kCurveTolerance;
+    return in_data->inter.add_param(in_data->effect_ref, kAppend, &def);
+}
+
+PF_Err paramsSetup(PF_InData* in_data, PF_OutData* out_data) {
+    out_data->num_params = kParameterCount;
+    if (const PF_Err error = addSlider(in_data, kContrastSlider); error != PF_Err_NONE) {
+        return error;
+    }
+    return addSlider(in_data, kBrightnessSlider);
+}
+
+PF_Err smartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra) {
+    const PF_RenderRequest request = extra->input->output_request;
+    PF_CheckoutResult result{};
+    const PF_Err error =
+        extra->cb->checkout_layer(in_data->effect_ref, kInputLayerIndex, kInputCheckoutId, &request,
+                                  in_data->current_time, in_data->time_step, in_data->time_scale, &result);
+    if (error == PF_Err_NONE) {
+        UnionRect(&result.result_rect, &extra->output->result_rect);
+        UnionRect(&result.max_result_rect, &extra->output->max_result_rect);
+    }
+    return error;
+}
+
+/// What the plug-in itself can't go on with.
+[[noreturn]] void refuse() { throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM}; }
+
+/// Records the host's context, and puts it back on every way out of the command.
+class HostContext {
+public:
+    HostContext() = default;
+    HostContext(const HostContext&) = delete;
+    HostContext& operator=(const HostContext&) = delete;
+    ~HostContext() { restore(); }
+    void restore() { mSaved.restore(); }
+
+private:
+    SaveRestoreGLContextMac mSaved;
+};
+
+PF_Err globalSetup(PF_OutData* out_data) {
+    out_data->my_version = kEffectVersion;
+    out_data->out_flags = kOutFlags;
+    out_data->out_flags2 = kOutFlags2;
+
+    const std::lock_guard lock(frameLock);
+    if (AEOpenGLContextManager::getSharedDataContext() != nullptr) {
+        return PF_Err_NONE;
+    }
+    const HostContext hostContext;
+    AEOpenGLContextManager::setupContextManager();
+    if (!AEOpenGLContextManager::getSharedDataContext()->isValid()) {
+        AEOpenGLContextManager::releaseContextManager();
+        refuse();
+    }
+    if (mWarpRender == nullptr) {
+        mWarpRender = new ContrastRender;
+    }
+    return PF_Err_NONE;
+}
+
+PF_Err globalSetdown() {
+    const std::lock_guard lock(frameLock);
+    if (AEOpenGLContextManager::getSharedDataContext() == nullptr) {
+        return PF_Err_NONE;
+    }
+    const HostContext hostContext;
+    AEOpenGLContextManager::getSharedDataContext()->makeContextCurrent();
+    AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
+    delete mWarpRender;
+    mWarpRender = nullptr;
+    AEOpenGLContextManager::releaseContextManager();
+    return PF_Err_NONE;
+}
+
+/// The slider at `index`, as the host has it at the frame's time; 0 when the host fails. Nothing is checked out once
+/// `firstError` holds an error, and `firstError` keeps the first one.
+float sliderValue(PF_InData* in_data, std::int32_t index, PF_Err& firstError) {
+    const auto record = [&firstError](PF_Err error) {
+        if (firstError == PF_Err_NONE) {
+            firstError = error;
+        }
+    };
+    PF_ParamDef def{};
+    if (firstError == PF_Err_NONE) {
+        record(in_data->inter.checkout_param(in_data->effect_ref, index, in_data->current_time, in_data->time_step,
+                                             in_data->time_scale, &def));
+    }
+    const auto value = static_cast<float>(def.u.fs_d.value);
+    record(in_data->inter.checkin_param(in_data->effect_ref, &def));
+    return value;
+}
+
+/// Refuses frames that come before global setup or after global setdown.
+void requireSetup() {
+    if (AEOpenGLContextManager::getSharedDataContext() == nullptr) {
+        refuse();
+    }
+}
+
+void makeRenderContextCurrent() {
+    AEOpenGLContext* const context = AEOpenGLContextManager::getCurrentRenderContext();
+    if (!context->isValid()) {
+        refuse();
+    }
+    context->makeContextCurrent();
+}
+
+/// Uploads the input, corrects it and leaves the finished picture bound for reading.
+void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsigned long& pixelSize,
+               gl::GLenum& glType) {
+    float multiplier = 1.0F;
+    const unsigned texture = AEOpenGLUtilities::UploadTexture(PF_PixelFormat_ARGB32, input, output, in_data, pixelSize,
+                                                              glType, multiplier, false);
+    {
+        const ScopeExit deleteTexture([&] { gl::glDeleteTextures(1, &texture); });
+        mWarpRender->draw(texture, multiplier);
+    }
+    AEOpenglMainFrameBuffer::mainFrameBuffer()->endDrawing(multiplier);
+}
+
+/// The road of a frame, from the input world to the output world, in the calling thread's context. Returns the first
+/// error of the sliders, which doesn't stop the frame.
+PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) {
+    HostContext hostContext;
+    std::unique_lock lock(frameLock);
+    requireSetup();
+    makeRenderContextCurrent();
+
+    AEOpenglMainFrameBuffer* const frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
+    frameBuffer->prepare(input->width, input->height, true);
+    ScopeExit clearStack([&] { frameBuffer->clearStack(); });
+    frameBuffer->beginDrawing();
+
+    const SuiteScoper<AEGP_PFInterfaceSuite1> interfaceSuite(in_data, "AEGP PF Interface Suite", 1, nullptr, nullptr);
+    const SuiteScoper<AEGP_LayerSuite5> layerSuite(in_data, "AEGP Layer Suite", 11, nullptr, nullptr);
+    const SuiteScoper<AEGP_ItemSuite6> itemSuite(in_data, "AEGP Item Suite", 10, nullptr, nullptr);
+
+    PF_Err firstError = PF_Err_NONE;
+    mWarpRender->setContrast(sliderValue(in_data, kContrastIndex, firstError));
+    mWarpRender->setBrightness(sliderValue(in_data, kBrightnessIndex, firstError));
+
+    unsigned long pixelSize = sizeof(PF_Pixel8);
+    gl::GLenum glType = gl::GL_UNSIGNED_BYTE;
+    drawFrame(in_data, input, output, pixelSize, glType);
+    clearStack.dismiss(); // endDrawing has emptied it, and from here on other frames may use it
+    AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input->width), static_cast<unsigned>(input->height), input,
+                                       output, in_data, PF_PixelFormat_ARGB32, pixelSize, glType);
+    lock.unlock();
+    hostContext.restore(); // before the suites are released
+    return firstError;
+}
+
+PF_Err smartRender(PF_InData* in_data, PF_SmartRenderExtra* extra) {
+    {
+        const std::lock_guard lock(frameLock);
+        requireSetup();
+    }
+    PF_LayerDef* input = nullptr;
+    PF_LayerDef* output = nullptr;
+    if (const PF_Err error = extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input);
+        error != PF_Err_NONE) {
+        return error;
+    }
+    if (const PF_Err error = extra->cb->checkout_output(in_data->effect_ref, &output); error != PF_Err_NONE) {
+        return error;
+    }
+    if (output == nullptr) {
+        return PF_Err_NONE;
+    }
+    if (input == nullptr) {
+        AEOpenGLUtilities::ClearWorld(output, in_data, PF_PixelFormat_ARGB32);
+        return PF_Err_NONE;
+    }
+    return renderFrame(in_data, input, output);
+}
+
+PF_Err answer(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, void* extra) {
+    switch (cmd) {
+    case PF_Cmd_ABOUT:
+        return about(in_data, out_data);
+    case PF_Cmd_GLOBAL_SETUP:
+        return globalSetup(out_data);
+    case PF_Cmd_GLOBAL_SETDOWN:
+        return globalSetdown();
+    case PF_Cmd_PARAMS_SETUP:
+        return paramsSetup(in_data, out_data);
+    case PF_Cmd_SMART_PRE_RENDER:
+        return smartPreRender(in_data, static_cast<PF_PreRenderExtra*>(extra));
+    case PF_Cmd_SMART_RENDER:
+        return smartRender(in_data, static_cast<PF_SmartRenderExtra*>(extra));
+    default:
+        return PF_Err_NONE;
+    }
+}
+
+} // namespace
+
+bool IsEmptyRect(const PF_LRect* rect) { return rect->left >= rect->right || rect->top >= rect->bottom; }
+
+} // namespace Ombrique::GaussianBlur
+
+PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef*[], PF_LayerDef*, void* extra) {
+    try {
+        return Ombrique::GaussianBlur::answer(cmd, in_data, out_data, extra);
+    } catch (std::int32_t) {
+        return PF_Err_BAD_CALLBACK_PARAM;
+    } catch (const std::bad_alloc&) {
+        return PF_Err_OUT_OF_MEMORY;
+    } catch (...) {
+        return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    }
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Platform/HostInterface/HostInterface.h"
+
+/// The effect as the host sees it: one entry point, which answers the host's commands.
+///
+/// Hosts may call from any thread, and may move frames between threads or overlap them: the part of a frame that uses
+/// OpenGL runs one frame at a time, under a lock. During it the effect calls the host for suites and parameters; a host
+/// that asks for another frame of this effect from within such a call, on the same thread, would wait for itself.
+///
+/// The host's OpenGL context is current again when a command returns, whatever the result. Where the host had none, the
+/// effect's own stays current on that thread. Whatever a command opened at the host it has closed again.
+///
+/// Results, beside the errors of the host's callbacks, which are passed on: PF_Err_BAD_CALLBACK_PARAM for all that the
+/// effect itself can't do (a missing suite, no OpenGL, a frame before global setup or after global setdown),
+/// PF_Err_OUT_OF_MEMORY when memory ran out, PF_Err_INTERNAL_STRUCT_DAMAGED for anything unforeseen. No exception
+/// passes.
+///
+/// A frame whose output world is null is done at once. A null input world gives transparent black. Where the output is
+/// larger than the input, the rest of it becomes transparent black.
+extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data,
+                                                                        PF_OutData* out_data, PF_ParamDef* params[],
+                                                                        PF_LayerDef* output, void* extra);
+
+namespace Ombrique::GaussianBlur {
+
+/// True when left >= right or top >= bottom.
+bool IsEmptyRect(const PF_LRect* rect);
+
+} // namespace Ombrique::GaussianBlur
