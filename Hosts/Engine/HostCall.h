@@ -1,0 +1,105 @@
+#pragma once
+
+#include "Hosts/Engine/FrameRequest.h"
+#include "Hosts/Engine/Ledger.h"
+#include "Platform/HostInterface/HostInterface.h"
+
+#include <string>
+#include <vector>
+
+namespace Ombrique::Hosts {
+class HostCall;
+}
+
+/// The host's side of `effect_ref`.
+struct PF_ProgressInfo {
+    Ombrique::Hosts::HostCall* call;
+};
+
+namespace Ombrique::Hosts {
+
+/// What a command came to.
+struct CommandResult {
+    PF_Cmd command = 0;
+    /// What the plug-in returned.
+    PF_Err error = PF_Err_NONE;
+    /// What the plug-in wrote to return_msg.
+    std::string message{};
+    /// What a careful host objects to, one line each, whatever the error: see Ledger and World::damage. Empty when all
+    /// is well.
+    std::vector<std::string> findings{};
+
+    /// No error and nothing to object to.
+    bool clean() const { return error == PF_Err_NONE && findings.empty(); }
+    /// The command, the error, the message and the findings in one line for people, as "PF_Cmd_SMART_RENDER returned
+    /// 516 (PF_Err_BAD_CALLBACK_PARAM)".
+    std::string describe() const;
+};
+
+/// A command's name in the interface, or its number.
+std::string commandName(PF_Cmd command);
+
+/// One stretch of calls from the host into a plug-in, with all that the host serves meanwhile: in_data and its
+/// callbacks, the suites, and the book that is kept of them. A frame is one stretch of two commands.
+///
+/// The suites' functions don't say on whose behalf they are called, so a stretch is found by thread: it is current on
+/// the thread that made it from construction to destruction, and on the thread of send() meanwhile. Stretches nest.
+/// Host functions that are called on a thread without a current stretch fail with PF_Err_BAD_CALLBACK_PARAM or null.
+/// So code that uses the host's services can be run without any bundle:
+///
+///     HostCall call({.input = &world});
+///     DownloadTexture(..., call.inData(), ...);
+///     EXPECT_TRUE(call.findings().empty());
+class HostCall {
+public:
+    /// `request` and `environment` are copied; the worlds and the plan in them must outlive this.
+    explicit HostCall(FrameRequest request = {}, HostEnvironment environment = {});
+    /// On the thread of the constructor. Frees the memory that the plug-in left behind.
+    ~HostCall();
+    HostCall(const HostCall&) = delete;
+    HostCall& operator=(const HostCall&) = delete;
+
+    /// The stretch that is current on the calling thread, or null.
+    static HostCall* current();
+
+    /// As fresh for each command; a test may change them before it calls.
+    PF_InData* inData() { return &mInData; }
+    PF_OutData* outData() { return &mOutData; }
+    static const PF_PreRenderCallbacks* preRenderCallbacks();
+    static const PF_SmartRenderCallbacks* smartRenderCallbacks();
+
+    /// Sends one command, and closes the book on it: what is out of balance stands in the result, and is forgotten.
+    /// The PF_OutData of before is kept, but for its message. An exception that leaves the plug-in is a finding and the
+    /// error 512.
+    CommandResult send(PF_EntryPoint entryPoint, PF_Cmd command, void* extra = nullptr);
+
+    /// What is out of balance, or was done wrongly, since construction or the last command.
+    std::vector<std::string> findings() const { return mLedger.findings(); }
+
+    /// For the callbacks and suites, on the thread of this stretch.
+    const FrameRequest& request() const { return mRequest; }
+    const HostEnvironment& environment() const { return mEnvironment; }
+    Ledger& ledger() { return mLedger; }
+    /// What add_param declared since construction.
+    std::vector<PF_ParamDef>& addedParameters() { return mAddedParameters; }
+    /// The checkout ids of checkout_layer since construction.
+    std::vector<std::int32_t>& layerCheckouts() { return mLayerCheckouts; }
+    /// The world of this stretch that `layer` is of, or null.
+    const World* worldOf(const PF_LayerDef* layer) const;
+
+private:
+    void prepareInData();
+
+    FrameRequest mRequest;
+    HostEnvironment mEnvironment;
+    Ledger mLedger;
+    std::vector<PF_ParamDef> mAddedParameters;
+    std::vector<std::int32_t> mLayerCheckouts;
+    PF_ProgressInfo mProgress{this};
+    PF_UtilCallbacks mUtils{};
+    PF_InData mInData{};
+    PF_OutData mOutData{};
+    HostCall* mOuter;
+};
+
+} // namespace Ombrique::Hosts

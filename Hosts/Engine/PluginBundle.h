@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Platform/HostInterface/HostInterface.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace Ombrique::Hosts {
+
+/// A bundle that can't be used. The text is one line and begins with the file that is at fault.
+class BundleError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// What a bundle's Contents/Resources/Registration.plist tells a host before any code of the plug-in runs: one
+/// dictionary with the keys Kind ("Effect"), Name, Category, MatchName and EntryPoint (strings), Version, OutFlags and
+/// OutFlags2 (integers of 32 bits).
+struct Registration {
+    std::string name;
+    std::string category;
+    std::string matchName;
+    /// The symbol of the entry point, unmangled.
+    std::string entryPoint;
+    std::uint32_t version = 0;
+    PF_OutFlags outFlags = 0;
+    PF_OutFlags2 outFlags2 = 0;
+};
+
+/// What a bundle's Contents/Info.plist tells, all of it strings.
+struct BundleInfo {
+    std::string identifier;   ///< CFBundleIdentifier
+    std::string name;         ///< CFBundleName
+    std::string executable;   ///< CFBundleExecutable, a file name in Contents/Linux
+    std::string shortVersion; ///< CFBundleShortVersionString
+    std::string packageType;  ///< CFBundlePackageType
+};
+
+/// A plug-in in memory: a bundle folder whose property lists were read and whose binary is loaded. Loading runs the
+/// binary's static initialisers, and no command. Two bundles may be loaded at once; the same folder loaded twice is one
+/// image, a copy of it in another place is a second.
+class PluginBundle {
+public:
+    /// Loads the bundle at `folder`.
+    /// @throw BundleError where a file is missing, unreadable or damaged, a key is missing or of the wrong type, the
+    /// binary can't be loaded, or it lacks the entry point that the registration names.
+    explicit PluginBundle(const std::filesystem::path& folder);
+    /// Unloads the binary. Whatever uses the plug-in (an Effect) must have ended.
+    ~PluginBundle();
+    PluginBundle(const PluginBundle&) = delete;
+    PluginBundle& operator=(const PluginBundle&) = delete;
+
+    const std::filesystem::path& folder() const { return mFolder; }
+    /// The file that the registration was read from, for messages.
+    std::filesystem::path registrationFile() const;
+    const BundleInfo& info() const { return mInfo; }
+    const Registration& registration() const { return mRegistration; }
+    PF_EntryPoint entryPoint() const { return mEntryPoint; }
+
+private:
+    std::filesystem::path mFolder;
+    BundleInfo mInfo;
+    Registration mRegistration;
+    void* mBinary = nullptr;
+    PF_EntryPoint mEntryPoint = nullptr;
+};
+
+} // namespace Ombrique::Hosts
