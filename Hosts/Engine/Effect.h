@@ -61,7 +61,8 @@ public:
     const HostEnvironment& environment() const { return mEnvironment; }
 
 private:
-    CommandResult declare(HostCall& call);
+    CommandResult declareParameters(HostCall& call);
+    CommandResult send(PF_Cmd command, FaultPlan* faults) const;
 
     const PluginBundle& mBundle;
     HostEnvironment mEnvironment;

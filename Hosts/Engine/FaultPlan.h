@@ -12,13 +12,14 @@ namespace Ombrique::Hosts {
 /// How a call of the host fails.
 enum class FaultKind {
     /// Nothing is done; the result is the fault's error, or null where the function returns a pointer, and pointers
-    /// that are handed out by address are null. (sprintf writes nothing and returns -1; strcpy copies nothing.)
+    /// that are handed out by address are null; what else it would fill stays as it was. (sprintf writes nothing and
+    /// returns -1; strcpy copies nothing.)
     Refuse,
     /// Nothing is done, and success is reported: AcquireSuite with a null suite, checkout_output with a null world.
-    /// The same as Refuse where a function returns a pointer.
+    /// The same as Refuse where a function returns no error code.
     GiveNothing,
-    /// All is done and handed out, and the error is reported nevertheless. Nothing happens to a function that returns a
-    /// pointer. What was handed out may be given back, and needn't be.
+    /// All is done and handed out, and the error is reported nevertheless. What was handed out may be given back, and
+    /// needn't be. The same as Refuse where a function returns no error code.
     Misreport,
 };
 
@@ -28,7 +29,7 @@ constexpr PF_Err kInjectedError = 599;
 /// One call that shall fail.
 struct Fault {
     /// Which: a function's name ("checkout_param"), or that with its detail ("checkout_param 2"); empty means any.
-    std::string call;
+    std::string call{};
     /// The how manieth such call fails, counted from 1; 0 means each.
     int nth = 1;
     FaultKind kind = FaultKind::Refuse;

@@ -64,8 +64,8 @@ struct FrameRequest {
 
 /// What a script gave: its result, or where `error` isn't empty, why there is none.
 struct ScriptResult {
-    std::string text;
-    std::string error;
+    std::string text{};
+    std::string error{};
 };
 
 /// Runs a script for AEGP_ExecuteScript, on the thread of the command. An exception becomes an error of its text.

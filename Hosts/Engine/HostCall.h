@@ -7,14 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace Ombrique::Hosts {
-class HostCall;
-}
-
-/// The host's side of `effect_ref`.
-struct PF_ProgressInfo {
-    Ombrique::Hosts::HostCall* call;
-};
+/// The host's side of `effect_ref`: its address is all that matters.
+struct PF_ProgressInfo {};
 
 namespace Ombrique::Hosts {
 
@@ -80,9 +74,11 @@ public:
     const FrameRequest& request() const { return mRequest; }
     const HostEnvironment& environment() const { return mEnvironment; }
     Ledger& ledger() { return mLedger; }
+    /// Whether `effectRef` is the one that this stretch handed out; noted where it isn't.
+    bool owns(PF_ProgPtr effectRef);
     /// What add_param declared since construction.
     std::vector<PF_ParamDef>& addedParameters() { return mAddedParameters; }
-    /// The checkout ids of checkout_layer since construction.
+    /// The checkout ids of checkout_layer since construction, or since the last PF_Cmd_SMART_PRE_RENDER was sent.
     std::vector<std::int32_t>& layerCheckouts() { return mLayerCheckouts; }
     /// The world of this stretch that `layer` is of, or null.
     const World* worldOf(const PF_LayerDef* layer) const;
@@ -95,7 +91,7 @@ private:
     Ledger mLedger;
     std::vector<PF_ParamDef> mAddedParameters;
     std::vector<std::int32_t> mLayerCheckouts;
-    PF_ProgressInfo mProgress{this};
+    PF_ProgressInfo mProgress{};
     PF_UtilCallbacks mUtils{};
     PF_InData mInData{};
     PF_OutData mOutData{};

@@ -11,8 +11,9 @@ namespace Ombrique::Hosts {
 /// The book that a careful host keeps while a plug-in runs: what was taken, and what was given back. Balance means:
 ///
 /// - each suite is released as often as it was acquired, by the same name and version;
-/// - each parameter that was checked out is checked in with the same structure (to check in a structure that is all
-///   zero is no fault, and does nothing);
+/// - each parameter that was checked out is checked in with the same structure (to check in one that holds no
+/// parameter,
+///   its param_type being 0, is no fault, and does nothing);
 /// - each handle is unlocked as often as locked, and disposed of; each memory handle is freed, locked or not;
 /// - nothing is written behind the memory of a handle.
 ///
@@ -28,7 +29,7 @@ public:
     bool suiteReleased(const char* name, std::int32_t version);
 
     void parameterCheckedOut(const PF_ParamDef* definition, std::int32_t index, bool optional);
-    /// False, and noted, where the structure isn't all zero and holds no checkout.
+    /// False, and noted, where the structure holds a parameter that isn't checked out.
     bool parameterCheckedIn(const PF_ParamDef* definition);
 
     HandleTable& handles() { return mHandles; }
@@ -42,7 +43,7 @@ public:
 
 private:
     struct HeldSuite {
-        std::string name;
+        const char* name;
         std::int32_t version;
         bool optional;
     };

@@ -2,7 +2,9 @@
 
 #include "Platform/HostInterface/HostInterface.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -38,17 +40,14 @@ struct BundleInfo {
 
 /// A plug-in in memory: a bundle folder whose property lists were read and whose binary is loaded. Loading runs the
 /// binary's static initialisers, and no command. Two bundles may be loaded at once; the same folder loaded twice is one
-/// image, a copy of it in another place is a second.
+/// image, a copy of it in another place is a second. The destructor unloads the binary: whatever uses the plug-in (an
+/// Effect) must have ended.
 class PluginBundle {
 public:
     /// Loads the bundle at `folder`.
     /// @throw BundleError where a file is missing, unreadable or damaged, a key is missing or of the wrong type, the
     /// binary can't be loaded, or it lacks the entry point that the registration names.
     explicit PluginBundle(const std::filesystem::path& folder);
-    /// Unloads the binary. Whatever uses the plug-in (an Effect) must have ended.
-    ~PluginBundle();
-    PluginBundle(const PluginBundle&) = delete;
-    PluginBundle& operator=(const PluginBundle&) = delete;
 
     const std::filesystem::path& folder() const { return mFolder; }
     /// The file that the registration was read from, for messages.
@@ -58,10 +57,14 @@ public:
     PF_EntryPoint entryPoint() const { return mEntryPoint; }
 
 private:
+    struct Unload {
+        void operator()(void* binary) const;
+    };
+
     std::filesystem::path mFolder;
     BundleInfo mInfo;
     Registration mRegistration;
-    void* mBinary = nullptr;
+    std::unique_ptr<void, Unload> mBinary;
     PF_EntryPoint mEntryPoint = nullptr;
 };
 

@@ -84,8 +84,11 @@ private:
     };
 
     std::size_t offsetOf(PixelDepth depth, int x, int y) const;
-    std::byte* rowInMemory(int index) const;
-    void layTraps();
+    /// The pattern's byte at `offset` bytes from the start of the first guard.
+    std::uint8_t trapAt(std::size_t offset) const;
+    /// Calls `visit(row, offset, length)` for each stretch of memory that nothing may write to: row -1 is the guard
+    /// before the picture, row `height` the one behind it, and the others are padding.
+    template <typename Visit> void forEachTrap(Visit visit) const;
 
     int mWidth;
     int mHeight;
@@ -97,6 +100,8 @@ private:
     std::size_t mGuardBytes = 0;
     std::ptrdiff_t mRowBytes = 0;
     std::unique_ptr<std::byte, Free> mMemory;
+    /// The start of the first guard.
+    std::byte* mStart = nullptr;
     std::byte* mFirstRow = nullptr;
     PF_LayerDef mLayer{};
 };

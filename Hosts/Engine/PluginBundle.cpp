@@ -1,0 +1,67 @@
+#include "Hosts/Engine/PluginBundle.h"
+
+#include "Hosts/Engine/PropertyList.h"
+
+#include <dlfcn.h>
+
+namespace Ombrique::Hosts {
+
+namespace {
+
+BundleInfo readInfo(const std::filesystem::path& folder) {
+    const PropertyList list(folder / "Contents/Info.plist");
+    BundleInfo info;
+    info.identifier = list.string("CFBundleIdentifier");
+    info.name = list.string("CFBundleName");
+    info.executable = list.string("CFBundleExecutable");
+    info.shortVersion = list.string("CFBundleShortVersionString");
+    info.packageType = list.string("CFBundlePackageType");
+    // A name that leads out of the bundle would load whatever lies there.
+    if (std::filesystem::path(info.executable).filename() != info.executable)
+        list.fail("CFBundleExecutable isn't a file name: " + info.executable);
+    return info;
+}
+
+Registration readRegistration(const std::filesystem::path& file) {
+    const PropertyList list(file);
+    if (const std::string kind = list.string("Kind"); kind != "Effect")
+        list.fail("Kind is \"" + kind + "\", and only \"Effect\" is known");
+    Registration registration;
+    registration.name = list.string("Name");
+    registration.category = list.string("Category");
+    registration.matchName = list.string("MatchName");
+    registration.entryPoint = list.string("EntryPoint");
+    registration.version = list.integer("Version");
+    registration.outFlags = static_cast<PF_OutFlags>(list.integer("OutFlags"));
+    registration.outFlags2 = static_cast<PF_OutFlags2>(list.integer("OutFlags2"));
+    return registration;
+}
+
+} // namespace
+
+void PluginBundle::Unload::operator()(void* binary) const { dlclose(binary); }
+
+PluginBundle::PluginBundle(const std::filesystem::path& folder) : mFolder(folder) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error))
+        throw BundleError(folder.string() + ": no such plug-in bundle");
+    mInfo = readInfo(folder);
+    mRegistration = readRegistration(registrationFile());
+
+    // An absolute path: the loader would look for one without a slash in its own places.
+    const std::filesystem::path file = std::filesystem::absolute(folder / "Contents/Linux" / mInfo.executable);
+    if (!std::filesystem::exists(file, error))
+        throw BundleError(file.string() + ": no such file");
+    mBinary.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));
+    if (!mBinary)
+        throw BundleError(file.string() + ": can't be loaded: " + dlerror());
+    mEntryPoint = reinterpret_cast<PF_EntryPoint>(dlsym(mBinary.get(), mRegistration.entryPoint.c_str()));
+    if (!mEntryPoint)
+        throw BundleError(file.string() + ": has no entry point " + mRegistration.entryPoint);
+}
+
+std::filesystem::path PluginBundle::registrationFile() const {
+    return mFolder / "Contents/Resources/Registration.plist";
+}
+
+} // namespace Ombrique::Hosts
