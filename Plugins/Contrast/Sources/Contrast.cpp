@@ -61,7 +61,7 @@ void UnionRect(const PF_LRect* src, PF_LRect* dest) {
 
 PF_Err about(PF_InData* in_data, PF_OutData* out_data) {
     const SuiteScoper<PF_ANSICallbacksSuite1> ansi(in_data, "PF ANSI Suite", 1, nullptr, nullptr);
-    ansi.mSuite->sprintf(out_data->return_msg, "%s v%d.%d\r%s", kEffectName, kMajorVersion, kMinorVersion,
+    ansi->sprintf(out_data->return_msg, "%s v%d.%d\r%s", kEffectName, kMajorVersion, kMinorVersion,
                          kEffectDescription);
     return PF_Err_NONE;
 }

@@ -77,7 +77,7 @@ void iterateFloat(PF_InData* in_data, PF_LayerDef* source, PF_LayerDef* destinat
                   PF_IteratePixelFloatFunc callback) {
     const SuiteScoper<PF_iterateFloatSuite1> suite(in_data, "PF iterateFloat Suite", 1, nullptr, nullptr);
     const PF_Err error =
-        suite.mSuite->iterate(in_data, 0, source->height, source, nullptr, &refcon, callback, destination);
+        suite->iterate(in_data, 0, source->height, source, nullptr, &refcon, callback, destination);
     if (error != PF_Err_NONE) {
         throw std::int32_t{error};
     }
@@ -171,16 +171,16 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
                                         PF_LayerDef* output, PF_InData* in_data, int format, unsigned long pixelSize,
                                         GLenum glType) {
     const SuiteScoper<PF_HandleSuite1> handles(in_data, "PF Handle Suite", 2, nullptr, nullptr);
-    const PF_Handle handle = handles.mSuite->host_new_handle(std::uint64_t{width * height} * pixelSize);
+    const PF_Handle handle = handles->host_new_handle(std::uint64_t{width * height} * pixelSize);
     if (handle == nullptr) {
         throw std::int32_t{PF_Err_OUT_OF_MEMORY};
     }
-    const ScopeExit dispose([&] { handles.mSuite->host_dispose_handle(handle); });
-    void* picture = handles.mSuite->host_lock_handle(handle);
+    const ScopeExit dispose([&] { handles->host_dispose_handle(handle); });
+    void* picture = handles->host_lock_handle(handle);
     if (picture == nullptr) {
         throw std::int32_t{PF_Err_OUT_OF_MEMORY};
     }
-    const ScopeExit unlock([&] { handles.mSuite->host_unlock_handle(handle); });
+    const ScopeExit unlock([&] { handles->host_unlock_handle(handle); });
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, glType, picture);
     switch (format) {

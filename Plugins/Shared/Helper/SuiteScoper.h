@@ -31,6 +31,13 @@ public:
     SuiteScoper(const SuiteScoper&) = delete;
     SuiteScoper& operator=(const SuiteScoper&) = delete;
 
+    /// For calls of the suite's functions: mSuite, or the thrown A_Err_MISSING_SUITE where that is null.
+    const T* operator->() const {
+        if (mSuite == nullptr)
+            throw std::int32_t{A_Err_MISSING_SUITE};
+        return mSuite;
+    }
+
     /// The host's table, through which its functions are called. Valid as long as the scoper.
     const T* mSuite;
 

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Hosts/Engine/World.h"
+
+#include <string>
+
+namespace Ombrique::Tests {
+
+/// A world of 8-bit pixels without symmetry, so that a flip, a swap of channels or half a pixel's shift shows: opaque,
+/// translucent and empty pixels, the empty ones with colours. `opaque` makes all of them opaque.
+Hosts::World makePicture(int width, int height, unsigned seed, bool opaque = false, Hosts::WorldLayout layout = {});
+
+/// Compares `output` with what the effect makes of `input`, computed in double from the definition: correct,
+/// premultiply, round to 8 bits, divide by alpha, round. Where `output` is larger, the rest must be transparent black.
+/// Returns an empty text when all pixels agree, else how many don't, the worst one's place and its values.
+///
+/// No tolerance but this: a value within 0.01 of half way between two 8-bit steps may be rounded either way, since the
+/// GPU computes in single precision.
+std::string compareWithOracle(const Hosts::World& input, const Hosts::World& output, double contrast,
+                              double brightness);
+
+/// Compares two worlds of 8-bit pixels byte for byte, in the same form.
+std::string comparePixels(const Hosts::World& expected, const Hosts::World& actual);
+
+} // namespace Ombrique::Tests
