@@ -33,5 +33,10 @@ function(ombrique_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gtest_main)
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
     ombrique_warnings(${name})
-    gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 300)
+    # The sanitizers read these; other builds ignore them.
+    set(suppressions ${PROJECT_SOURCE_DIR}/Tests/Suppressions)
+    set(environment LSAN_OPTIONS=suppressions=${suppressions}/lsan.supp
+                    TSAN_OPTIONS=suppressions=${suppressions}/tsan.supp
+                    UBSAN_OPTIONS=suppressions=${suppressions}/ubsan.supp:print_stacktrace=1)
+    gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 300 ENVIRONMENT "${environment}")
 endfunction()
