@@ -1,5 +1,5 @@
-#include "Tests/Support/EffectHarness.h"
 #include "Tests/Support/HostContext.h"
+#include "Tests/Support/EffectHarness.h"
 
 #include <array>
 
