@@ -102,9 +102,9 @@ TEST(Context, LivesWhileAThreadHasItCurrent) {
         EXPECT_EQ(NSOpenGLContext::currentContext()->CGLContextObj(), object);
         EXPECT_EQ(CGLGetCurrentContext(), object);
         EXPECT_TRUE(CGLSetCurrentContext(nullptr));
+        EXPECT_FALSE(CGLSetCurrentContext(object)) << "nobody holds it any more, and yet it lives";
         EXPECT_EQ(CGLGetCurrentContext(), nullptr);
         EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
-        EXPECT_FALSE(CGLSetCurrentContext(object)) << "nobody holds it any more, and yet it lives";
     });
 }
 
