@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+namespace Ombrique::Hosts {
+
+/// How the colours of a picture file relate to its alpha, as its pixels pass through OpenImageIO.
+enum class AlphaConvention {
+    /// Colours are independent of alpha.
+    Straight,
+    /// Colours are multiplied by alpha.
+    Associated,
+    /// Colours are multiplied by alpha to the power of 1 / 2.2: what OpenImageIO makes of a straight WebP picture in
+    /// both directions, whatever it is asked for.
+    GammaAssociated,
+};
+
+/// The convention for the pixels of a file in OpenImageIO's format `format`, where OpenImageIO was asked to leave
+/// straight colours alone. `declaredStraight`: the file says that it is straight, or shall say so.
+AlphaConvention alphaConvention(const std::string& format, bool declaredStraight);
+
+/// What a straight colour is multiplied by to follow the convention; alpha from 0 to 1.
+float colourWeight(AlphaConvention convention, float alpha);
+
+/// Whether a file in this format can say by itself which of the first two conventions it follows.
+bool declaresAlphaConvention(const std::string& format);
+
+} // namespace Ombrique::Hosts

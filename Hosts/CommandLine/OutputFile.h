@@ -1,0 +1,44 @@
+#pragma once
+
+#include <filesystem>
+#include <span>
+
+namespace Ombrique::Hosts {
+
+/// A file that appears whole or not at all: it is written under another name in the same folder, and takes its own name
+/// only when it is complete. Whatever stood under that name stays as it was until then, also when the program is killed
+/// on the way. What a killed run leaves behind is a hidden file, `.NAME.partial.EXTENSION`, which the next run that
+/// writes the same file takes over. Two programs that write the same file wait for each other.
+///
+/// All failures are thrown as Failure and name the file.
+class OutputFile {
+public:
+    /// Makes the partial file. An output that is a symbolic link stays one: what it points to is written. An output
+    /// that is a folder, or that the user may not write to, is refused.
+    explicit OutputFile(const std::filesystem::path& path);
+    /// Removes the partial file, unless it was committed.
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Where to write by name until commit(); its extension is that of the output.
+    const std::filesystem::path& partialPath() const { return mPartial; }
+    /// Writes bytes to the end of the partial file.
+    void append(std::span<const unsigned char> bytes);
+    /// Gives the partial file the output's name, and the permissions of the file that it replaces. An empty file is
+    /// refused.
+    void commit();
+
+private:
+    void openPartial();
+    bool isStillPartial() const;
+    [[noreturn]] void fail(int errorNumber) const;
+
+    std::filesystem::path mAskedFor;
+    std::filesystem::path mTarget;
+    std::filesystem::path mPartial;
+    int mDescriptor = -1;
+    bool mCommitted = false;
+};
+
+} // namespace Ombrique::Hosts

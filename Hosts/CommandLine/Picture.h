@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Hosts/Engine/World.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace Ombrique::Hosts {
+
+/// What a picture's file said of itself, so that the corrected picture can be written as the same kind of picture.
+struct PictureOrigin {
+    /// OpenImageIO's name of the format.
+    std::string format;
+    /// Size, windows, channels and metadata as the file has them.
+    OIIO::ImageSpec spec;
+    /// The channels that make the picture, as indices into spec.channelnames: three colours, or in `colours[0]` the
+    /// only one of a grey picture.
+    std::array<int, 3> colours{};
+    int colourCount = 0;
+    /// The index of the alpha channel, or -1.
+    int alpha = -1;
+    /// What of the file doesn't come along, one line each, without the file's name. Empty for the usual picture.
+    std::vector<std::string> losses;
+};
+
+/// A picture as the plug-in takes it: 8 bits a channel, straight alpha, opaque where the file has no alpha, all three
+/// colours alike where the file is grey. The world covers the file's data window.
+struct Picture {
+    PictureOrigin origin;
+    World pixels;
+};
+
+} // namespace Ombrique::Hosts

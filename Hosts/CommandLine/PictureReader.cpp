@@ -1,0 +1,163 @@
+#include "Hosts/CommandLine/PictureReader.h"
+
+#include "Hosts/CommandLine/AlphaConvention.h"
+#include "Hosts/CommandLine/Failure.h"
+#include "Hosts/CommandLine/OpenImageIOError.h"
+#include "Hosts/CommandLine/StandardStreams.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <fcntl.h>
+#include <span>
+#include <system_error>
+#include <unistd.h>
+
+namespace Ombrique::Hosts {
+namespace {
+
+/// OpenImageIO's own words for a file that isn't there differ from format to format.
+void requireReadable(const std::filesystem::path& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int error = descriptor < 0 ? errno : std::filesystem::is_directory(path) ? EISDIR : 0;
+    if (descriptor >= 0)
+        close(descriptor);
+    if (error != 0)
+        throw Failure(path.string() + ": can't be read: " + std::generic_category().message(error));
+}
+
+/// From 0 to 1 into 8 bits, rounded; what isn't a number becomes 0.
+std::uint8_t quantised(float value) {
+    return static_cast<std::uint8_t>((value > 0.0f ? std::min(value, 1.0f) : 0.0f) * 255.0f + 0.5f);
+}
+
+/// Where in a pixel of samples the plug-in's channels stand; alpha is -1 for an opaque picture.
+struct SampleOffsets {
+    int red, green, blue, alpha;
+};
+
+PF_Pixel8 toPixel(const std::uint8_t* samples, const SampleOffsets& at, AlphaConvention) {
+    const std::uint8_t alpha = at.alpha < 0 ? std::uint8_t{255} : samples[at.alpha];
+    return {alpha, samples[at.red], samples[at.green], samples[at.blue]};
+}
+
+PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention convention) {
+    const float alpha = at.alpha < 0 ? 1.0f : samples[at.alpha];
+    const float weight = colourWeight(convention, alpha);
+    const float scale = weight > 0.0f ? 1.0f / weight : 0.0f;
+    return {quantised(alpha), quantised(samples[at.red] * scale), quantised(samples[at.green] * scale),
+            quantised(samples[at.blue] * scale)};
+}
+
+template <typename Sample>
+void fillWorld(World& world, const std::vector<Sample>& samples, int channels, const SampleOffsets& at,
+               AlphaConvention convention) {
+    const Sample* next = samples.data();
+    for (int y = 0; y < world.height(); ++y) {
+        auto* row = reinterpret_cast<PF_Pixel8*>(world.row(y));
+        for (int x = 0; x < world.width(); ++x, next += channels)
+            row[x] = toPixel(next, at, convention);
+    }
+}
+
+int indexOfChannel(const OIIO::ImageSpec& spec, const char* lowerCaseName) {
+    const auto matches = [&](const std::string& name) { return OIIO::Strutil::iequals(name, lowerCaseName); };
+    const auto found = std::ranges::find_if(spec.channelnames, matches);
+    return found == spec.channelnames.end() ? -1 : static_cast<int>(found - spec.channelnames.begin());
+}
+
+} // namespace
+
+PictureReader::PictureReader(const std::filesystem::path& path) : mPath(path) {
+    requireReadable(path);
+    const QuietStandardError quiet;
+    OIIO::ImageSpec hints;
+    hints.attribute("oiio:UnassociatedAlpha", 1);
+    mFile = OIIO::ImageInput::open(path.string(), &hints);
+    if (!mFile)
+        throw Failure(path.string() + ": can't be read: " + firstErrorLine(OIIO::geterror(), "not a picture"));
+    mOrigin.format = mFile->format_name();
+    mOrigin.spec = mFile->spec();
+    if (mOrigin.spec.deep || mOrigin.spec.depth > 1)
+        throw Failure(path.string() + ": holds a deep or volume picture, which has no layer of pixels to correct");
+    chooseChannels();
+    noteLosses();
+}
+
+void PictureReader::chooseChannels() {
+    const OIIO::ImageSpec& spec = mOrigin.spec;
+    mOrigin.alpha = spec.alpha_channel;
+    mOrigin.colours = {indexOfChannel(spec, "r"), indexOfChannel(spec, "g"), indexOfChannel(spec, "b")};
+    mOrigin.colourCount = 3;
+    if (std::ranges::find(mOrigin.colours, -1) == mOrigin.colours.end())
+        return;
+
+    std::vector<int> colours;
+    for (int channel = 0; channel < spec.nchannels; ++channel)
+        if (channel != spec.alpha_channel)
+            colours.push_back(channel);
+    if (colours.empty()) {
+        // A matte by itself is a grey picture.
+        colours.push_back(spec.alpha_channel);
+        mOrigin.alpha = -1;
+    }
+    if (colours.size() == 2)
+        throw Failure(mPath.string() + ": its channels " + OIIO::Strutil::join(spec.channelnames, ", ") +
+                      " make neither a grey nor an RGB picture");
+    mOrigin.colourCount = colours.size() == 1 ? 1 : 3;
+    std::copy_n(colours.begin(), mOrigin.colourCount, mOrigin.colours.begin());
+}
+
+void PictureReader::noteLosses() {
+    const OIIO::ImageSpec& spec = mOrigin.spec;
+    if (spec.format != OIIO::TypeDesc::UINT8)
+        mOrigin.losses.push_back(std::string("its samples (") + spec.format.c_str() +
+                                 ") are rounded to 8 bits a channel");
+    std::vector<std::string> others;
+    for (int channel = 0; channel < spec.nchannels; ++channel)
+        if (channel != mOrigin.alpha &&
+            std::find(mOrigin.colours.begin(), mOrigin.colours.begin() + mOrigin.colourCount, channel) ==
+                mOrigin.colours.begin() + mOrigin.colourCount)
+            others.push_back(spec.channelnames[static_cast<std::size_t>(channel)]);
+    if (!others.empty())
+        mOrigin.losses.push_back("its other channels (" + OIIO::Strutil::join(others, ", ") + ") are left out");
+    if (mFile->seek_subimage(1, 0))
+        mOrigin.losses.push_back("it holds several pictures, of which only the first is taken");
+    mFile->seek_subimage(0, 0);
+    static_cast<void>(mFile->geterror());
+}
+
+template <typename Sample> std::vector<Sample> PictureReader::readSamples(int firstChannel, int endChannel) {
+    const QuietStandardError quiet;
+    std::vector<Sample> samples(static_cast<std::size_t>(mOrigin.spec.image_pixels()) *
+                                static_cast<std::size_t>(endChannel - firstChannel));
+    const bool isRead =
+        mFile->read_image(0, 0, firstChannel, endChannel, OIIO::BaseTypeFromC<Sample>::value, samples.data());
+    // Some decoders fill up what is missing, and tell of it in no other way than by their error text.
+    const std::string error = mFile->geterror();
+    if (!isRead || !error.empty())
+        throw Failure(mPath.string() + ": is damaged or incomplete: " + firstErrorLine(error, "pixels are missing"));
+    return samples;
+}
+
+Picture PictureReader::read() {
+    const auto colours = std::span(mOrigin.colours).first(static_cast<std::size_t>(mOrigin.colourCount));
+    const int first =
+        mOrigin.alpha < 0 ? std::ranges::min(colours) : std::min(std::ranges::min(colours), mOrigin.alpha);
+    const int end = std::max(std::ranges::max(colours), mOrigin.alpha) + 1;
+    const SampleOffsets at{colours.front() - first, colours[colours.size() / 2] - first, colours.back() - first,
+                           mOrigin.alpha < 0 ? -1 : mOrigin.alpha - first};
+    const AlphaConvention convention =
+        alphaConvention(mOrigin.format, mOrigin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0);
+    const bool isTakenAsItIs =
+        mOrigin.spec.format == OIIO::TypeDesc::UINT8 && (mOrigin.alpha < 0 || convention == AlphaConvention::Straight);
+
+    Picture picture{mOrigin, World(width(), height())};
+    if (isTakenAsItIs)
+        fillWorld(picture.pixels, readSamples<std::uint8_t>(first, end), end - first, at, convention);
+    else
+        fillWorld(picture.pixels, readSamples<float>(first, end), end - first, at, convention);
+    return picture;
+}
+
+} // namespace Ombrique::Hosts

@@ -1,0 +1,167 @@
+#include "Hosts/CommandLine/PictureWriter.h"
+
+#include "Hosts/CommandLine/AlphaConvention.h"
+#include "Hosts/CommandLine/Failure.h"
+#include "Hosts/CommandLine/OpenImageIOError.h"
+
+#include <OpenImageIO/filesystem.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace Ombrique::Hosts {
+namespace {
+
+/// A rectangle of pixels, in the coordinates of the display.
+struct Window {
+    int x, y, width, height;
+    bool operator==(const Window&) const = default;
+};
+
+/// The part of the picture that the file shall hold.
+Window windowToWrite(const OIIO::ImageSpec& spec, const OIIO::ImageOutput& encoder, bool isSameFormat) {
+    const Window data{spec.x, spec.y, spec.width, spec.height};
+    const Window display{spec.full_x, spec.full_y, spec.full_width, spec.full_height};
+    const bool needsNegative = data.x < 0 || data.y < 0;
+    const bool holdsBoth = encoder.supports("displaywindow") && (!needsNegative || encoder.supports("negativeorigin"));
+    return holdsBoth || isSameFormat || display.width <= 0 || display.height <= 0 ? data : display;
+}
+
+/// The description of the output: that of the input, less what was true of its file alone.
+OIIO::ImageSpec describe(const PictureOrigin& origin, const OIIO::ImageOutput& encoder, const Window& window,
+                         bool withAlpha) {
+    const bool isSameFormat = origin.format == encoder.format_name();
+    OIIO::ImageSpec spec = origin.spec;
+    spec.channelnames.clear();
+    for (int colour = 0; colour < origin.colourCount; ++colour)
+        spec.channelnames.push_back(
+            origin.spec.channelnames[static_cast<std::size_t>(origin.colours[static_cast<std::size_t>(colour)])]);
+    if (withAlpha)
+        spec.channelnames.push_back(origin.spec.channelnames[static_cast<std::size_t>(origin.alpha)]);
+    spec.nchannels = static_cast<int>(spec.channelnames.size());
+    spec.alpha_channel = withAlpha ? spec.nchannels - 1 : -1;
+    spec.z_channel = -1;
+    spec.set_format(OIIO::TypeDesc::UINT8);
+    spec.x = window.x;
+    spec.y = window.y;
+    spec.width = window.width;
+    spec.height = window.height;
+    if (!isSameFormat) {
+        spec.tile_width = spec.tile_height = spec.tile_depth = 0;
+        spec.erase_attribute("compression");
+        spec.erase_attribute("CompressionQuality");
+    }
+    spec.erase_attribute("oiio:BitsPerSample");
+    spec.erase_attribute("thumbnail_.*");
+    return spec;
+}
+
+/// Rows of samples in the order of the file's channels, ready for the encoder.
+class SamplePacker {
+public:
+    SamplePacker(const PictureOrigin& origin, bool withAlpha, AlphaConvention convention)
+        : mIsGrey(origin.colourCount == 1), mWithAlpha(withAlpha) {
+        for (std::size_t alpha = 0; alpha < mWeights.size(); ++alpha)
+            mWeights[alpha] = colourWeight(convention, static_cast<float>(alpha) / 255.0f);
+    }
+
+    std::vector<std::uint8_t> pack(const World& pixels, const Window& data, const Window& wanted) const {
+        const auto pixelBytes = static_cast<std::size_t>((mIsGrey ? 1 : 3) + (mWithAlpha ? 1 : 0));
+        const auto rowBytes = static_cast<std::size_t>(wanted.width) * pixelBytes;
+        std::vector<std::uint8_t> samples(rowBytes * static_cast<std::size_t>(wanted.height));
+        const int left = std::max(data.x, wanted.x);
+        const int right = std::min(data.x + data.width, wanted.x + wanted.width);
+        const int top = std::max(data.y, wanted.y);
+        const int bottom = std::min(data.y + data.height, wanted.y + wanted.height);
+        for (int y = top; y < bottom && left < right; ++y) {
+            const auto* from = reinterpret_cast<const PF_Pixel8*>(pixels.row(y - data.y)) + (left - data.x);
+            std::uint8_t* to = samples.data() + static_cast<std::size_t>(y - wanted.y) * rowBytes +
+                               static_cast<std::size_t>(left - wanted.x) * pixelBytes;
+            for (int x = left; x < right; ++x)
+                to = put(*from++, to);
+        }
+        return samples;
+    }
+
+private:
+    std::uint8_t* put(const PF_Pixel8& pixel, std::uint8_t* to) const {
+        *to++ = weighted(pixel.red, pixel.alpha);
+        if (!mIsGrey) {
+            *to++ = weighted(pixel.green, pixel.alpha);
+            *to++ = weighted(pixel.blue, pixel.alpha);
+        }
+        if (mWithAlpha)
+            *to++ = pixel.alpha;
+        return to;
+    }
+    std::uint8_t weighted(std::uint8_t colour, std::uint8_t alpha) const {
+        return static_cast<std::uint8_t>(static_cast<float>(colour) * mWeights[alpha] + 0.5f);
+    }
+
+    std::array<float, 256> mWeights{};
+    bool mIsGrey;
+    bool mWithAlpha;
+};
+
+bool isTranslucent(const World& pixels) {
+    for (int y = 0; y < pixels.height(); ++y) {
+        const auto* row = reinterpret_cast<const PF_Pixel8*>(pixels.row(y));
+        if (std::any_of(row, row + pixels.width(), [](const PF_Pixel8& pixel) { return pixel.alpha != 255; }))
+            return true;
+    }
+    return false;
+}
+
+std::unique_ptr<OIIO::ImageOutput> encoderFor(const std::filesystem::path& path) {
+    auto encoder = OIIO::ImageOutput::create(path.string());
+    if (!encoder) {
+        static_cast<void>(OIIO::geterror());
+        throw Failure(path.string() + ": can't be written: no picture format has the extension \"" +
+                      path.extension().string() + "\"");
+    }
+    return encoder;
+}
+
+} // namespace
+
+PictureWriter::PictureWriter(const std::filesystem::path& path)
+    : mPath(path), mEncoder(encoderFor(path)), mFile(path) {}
+
+bool PictureWriter::encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples) {
+    // Through memory where the encoder can, since those that write by name don't notice every full disk.
+    OIIO::Filesystem::IOVecOutput memory;
+    if (mEncoder->supports("ioproxy"))
+        mEncoder->set_ioproxy(&memory);
+    if (!mEncoder->open(mFile.partialPath().string(), spec) ||
+        !mEncoder->write_image(OIIO::TypeDesc::UINT8, samples.data()) || !mEncoder->close() || mEncoder->has_error())
+        return false;
+    mFile.append(memory.buffer());
+    return true;
+}
+
+std::vector<std::string> PictureWriter::write(const World& pixels, const PictureOrigin& origin) {
+    std::vector<std::string> losses;
+    const std::string format = mEncoder->format_name();
+    const bool withAlpha = origin.alpha >= 0 && mEncoder->supports("alpha");
+    if (origin.alpha >= 0 && !withAlpha && isTranslucent(pixels))
+        losses.emplace_back("the format has no alpha: the picture is laid over black");
+
+    const bool isDeclaredStraight =
+        declaresAlphaConvention(format) && origin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0;
+    const AlphaConvention convention =
+        withAlpha ? alphaConvention(format, isDeclaredStraight) : AlphaConvention::Associated;
+    const Window data{origin.spec.x, origin.spec.y, origin.spec.width, origin.spec.height};
+    const Window window = windowToWrite(origin.spec, *mEncoder, origin.format == format);
+    OIIO::ImageSpec spec = describe(origin, *mEncoder, window, withAlpha);
+    spec.erase_attribute("oiio:UnassociatedAlpha");
+    if (withAlpha && convention == AlphaConvention::Straight)
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+
+    if (!encode(spec, SamplePacker(origin, withAlpha, convention).pack(pixels, data, window)))
+        throw Failure(mPath.string() +
+                      ": can't be written: " + firstErrorLine(mEncoder->geterror(), "the encoder gave no reason"));
+    mFile.commit();
+    return losses;
+}
+
+} // namespace Ombrique::Hosts

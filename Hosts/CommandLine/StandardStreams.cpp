@@ -1,0 +1,106 @@
+#include "Hosts/CommandLine/StandardStreams.h"
+
+#include "Hosts/CommandLine/Failure.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <iostream>
+#include <mutex>
+#include <span>
+#include <sys/mman.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Ombrique::Hosts {
+namespace {
+
+/// 0, or the error number.
+int writeAll(int descriptor, std::span<const char> text) {
+    while (!text.empty()) {
+        const ssize_t count = write(descriptor, text.data(), text.size());
+        if (count < 0 && errno != EINTR)
+            return errno;
+        if (count > 0)
+            text = text.subspan(static_cast<std::size_t>(count));
+    }
+    return 0;
+}
+
+void flushLibraryText() {
+    std::cout.flush();
+    std::fflush(stdout);
+}
+
+struct Quiet {
+    std::mutex mutex;
+    int users = 0;
+    int standardError = -1;
+};
+
+Quiet& quiet() {
+    static Quiet instance;
+    return instance;
+}
+
+} // namespace
+
+StandardStreams::StandardStreams() {
+    mResults = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    mMessages = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    mHeld = memfd_create("library text", MFD_CLOEXEC);
+    dup2(mHeld >= 0 ? mHeld : STDERR_FILENO, STDOUT_FILENO);
+    // Line by line, so that a crash loses nothing that was released.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+}
+
+StandardStreams::~StandardStreams() {
+    flushLibraryText();
+    close(mResults);
+    close(mMessages);
+    if (mHeld >= 0)
+        close(mHeld);
+}
+
+void StandardStreams::printResult(const std::string& text) const {
+    if (const int error = writeAll(mResults, text))
+        throw Failure("standard output: can't be written: " + std::generic_category().message(error));
+}
+
+void StandardStreams::printMessage(const std::string& text) const { writeAll(mMessages, text); }
+
+void StandardStreams::releaseLibraryText() {
+    if (mHeld < 0)
+        return;
+    flushLibraryText();
+    dup2(mMessages, STDOUT_FILENO);
+    lseek(mHeld, 0, SEEK_SET);
+    std::array<char, 4096> piece;
+    for (ssize_t count; (count = read(mHeld, piece.data(), piece.size())) > 0;)
+        writeAll(mMessages, {piece.data(), static_cast<std::size_t>(count)});
+    close(mHeld);
+    mHeld = -1;
+}
+
+QuietStandardError::QuietStandardError() {
+    const std::lock_guard lock(quiet().mutex);
+    if (quiet().users++ > 0)
+        return;
+    std::fflush(stderr);
+    quiet().standardError = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(nowhere, STDERR_FILENO);
+    close(nowhere);
+}
+
+QuietStandardError::~QuietStandardError() {
+    const std::lock_guard lock(quiet().mutex);
+    if (--quiet().users > 0)
+        return;
+    std::fflush(stderr);
+    dup2(quiet().standardError, STDERR_FILENO);
+    close(quiet().standardError);
+}
+
+} // namespace Ombrique::Hosts

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+namespace Ombrique::Hosts {
+
+/// Keeps the program's results apart from what libraries print. From construction on, standard output in the sense of
+/// the C and C++ libraries leads to a store in memory, or once that was released, to standard error; the real standard
+/// output takes results alone. One object a program, made before any thread.
+class StandardStreams {
+public:
+    StandardStreams();
+    ~StandardStreams();
+    StandardStreams(const StandardStreams&) = delete;
+    StandardStreams& operator=(const StandardStreams&) = delete;
+
+    /// Writes text to the real standard output.
+    /// @throw Failure where it can't be written.
+    void printResult(const std::string& text) const;
+    /// Writes text to standard error, also while that is quiet; nobody learns when it can't be written.
+    void printMessage(const std::string& text) const;
+    /// Sends what libraries printed so far to standard error, and whatever they print from now on. Where this is never
+    /// called, their text is dropped: a wrong command line is answered in one line.
+    void releaseLibraryText();
+
+private:
+    int mResults = -1;
+    int mMessages = -1;
+    int mHeld = -1;
+};
+
+/// While any of these lives, nothing reaches standard error. Decoders print there, around the error that they return;
+/// what went wrong is told by whoever called them, in one line.
+class QuietStandardError {
+public:
+    QuietStandardError();
+    ~QuietStandardError();
+    QuietStandardError(const QuietStandardError&) = delete;
+    QuietStandardError& operator=(const QuietStandardError&) = delete;
+};
+
+} // namespace Ombrique::Hosts
