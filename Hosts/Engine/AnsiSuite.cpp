@@ -30,8 +30,9 @@ int hostSprintf(char* buffer, const char* pattern, ...) {
 }
 
 char* hostStrcpy(char* destination, const char* source) {
-    return serveValue("strcpy", static_cast<char*>(nullptr),
-                      [&](HostCall&) { return std::strcpy(destination, source); });
+    return serveValue("strcpy", static_cast<char*>(nullptr), [&](HostCall&) {
+        return static_cast<char*>(std::memcpy(destination, source, std::strlen(source) + 1));
+    });
 }
 
 } // namespace

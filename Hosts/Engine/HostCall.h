@@ -56,7 +56,7 @@ public:
     /// The stretch that is current on the calling thread, or null.
     static HostCall* current();
 
-    /// As fresh for each command; a test may change them before it calls.
+    /// What the plug-in's code is called with. send() sets in_data anew for each command.
     PF_InData* inData() { return &mInData; }
     PF_OutData* outData() { return &mOutData; }
     static const PF_PreRenderCallbacks* preRenderCallbacks();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <thread>
 
 using namespace Ombrique::Hosts;
@@ -134,9 +135,9 @@ TEST_F(EffectTest, FramesMayOverlap) {
             ASSERT_EQ(output.pixel<PF_Pixel8>(0, 0).alpha, thread == 0 ? 0 : 9 + thread);
         }
     };
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back(renderMany, thread);
+    std::array<std::thread, 4> threads;
+    for (std::size_t thread = 0; thread < threads.size(); ++thread)
+        threads[thread] = std::thread(renderMany, static_cast<int>(thread));
     for (std::thread& thread : threads)
         thread.join();
 }
