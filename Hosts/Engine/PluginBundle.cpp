@@ -48,8 +48,7 @@ PluginBundle::PluginBundle(const std::filesystem::path& folder) : mFolder(folder
     mInfo = readInfo(folder);
     mRegistration = readRegistration(registrationFile());
 
-    // An absolute path: the loader would look for one without a slash in its own places.
-    const std::filesystem::path file = std::filesystem::absolute(folder / "Contents/Linux" / mInfo.executable);
+    const std::filesystem::path file = folder / "Contents/Linux" / mInfo.executable;
     if (!std::filesystem::exists(file, error))
         throw BundleError(file.string() + ": no such file");
     mBinary.reset(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL));

@@ -77,12 +77,20 @@ TEST_F(EffectTest, ErrorsAndMessagesOfThePluginComeBack) {
     EXPECT_EQ(mEffect.about().message, "Test\r1");
 }
 
+TEST_F(EffectTest, TheBookIsClosedAfterEachCommand) {
+    HostCall call(request(mOutput, Conduct::KeepSuite), mEffect.environment());
+    call.layerCheckouts().push_back(7);
+    PF_SmartRenderExtra extra{HostCall::smartRenderCallbacks()};
+    EXPECT_EQ(call.send(mBundle.entryPoint(), PF_Cmd_SMART_RENDER, &extra).findings.size(), 1u);
+    EXPECT_TRUE(call.send(mBundle.entryPoint(), PF_Cmd_ABOUT).clean());
+}
+
 TEST_F(EffectTest, RectanglesAreTheRequestWithinTheLayer) {
     FrameRequest wanted = request(mOutput, Conduct::Good);
-    wanted.requestedRect = PF_LRect{-2, 1, 4, 50};
+    wanted.requestedRect = PF_LRect{-2, 1, 50, 4};
     const FrameResult result = mEffect.render(wanted);
     const PF_LRect& rect = result.resultRect;
-    EXPECT_TRUE(rect.left == 0 && rect.top == 1 && rect.right == 4 && rect.bottom == 5);
+    EXPECT_TRUE(rect.left == 0 && rect.top == 1 && rect.right == 7 && rect.bottom == 4);
     EXPECT_TRUE(result.maxResultRect.right == 7 && result.maxResultRect.bottom == 5);
     wanted.layerRect = PF_LRect{10, 10, 10, 12};
     EXPECT_EQ(mEffect.render(wanted).resultRect.right, 0);
@@ -105,6 +113,7 @@ TEST_F(EffectTest, EachCallOfTheHostCanFail) {
     ASSERT_EQ(log.calls().size(), 7u);
     EXPECT_EQ(log.count("checkout_param"), 2);
     EXPECT_EQ(log.count("checkout_param 2"), 1);
+    EXPECT_EQ(log.count("checkout_layer"), 1);
     EXPECT_EQ(log.calls().front(), "checkout_layer 7");
     for (int nth = 1; nth <= 3; ++nth) {
         FaultPlan plan{{.nth = nth, .error = 100 + nth}};

@@ -28,20 +28,22 @@ TEST(HostServices, IterateCoversWhatBothWorldsHave) {
     HostCall call({.input = &source, .output = &destination});
     const auto* suite = acquire<PF_iterateFloatSuite1>(call, "PF iterateFloat Suite", 1);
     int visits = 0;
-    const auto iterate = [&](World& from, const PF_LRect* area) {
+    const auto iterate = [&](World& from, const PF_LRect* area, World& to) {
         visits = 0;
-        return suite->iterate(call.inData(), 0, 1, from.layer(), area, &visits, mark, destination.layer());
+        return suite->iterate(call.inData(), 0, 1, from.layer(), area, &visits, mark, to.layer());
     };
-    EXPECT_EQ(iterate(source, nullptr), 0);
+    EXPECT_EQ(iterate(source, nullptr, destination), 0);
     EXPECT_EQ(visits, 2);
     EXPECT_EQ(destination.pixel<PF_PixelFloat>(1, 0).alpha, 5);
     EXPECT_EQ(destination.pixel<PF_PixelFloat>(1, 1).alpha, 0);
 
     const PF_LRect area{1, -3, 9, 9};
-    EXPECT_EQ(iterate(source, &area), 0);
+    EXPECT_EQ(iterate(source, &area, destination), 0);
     EXPECT_EQ(visits, 1);
-    EXPECT_EQ(iterate(destination, nullptr), 42) << "the first error stops it";
+    EXPECT_EQ(iterate(destination, nullptr, destination), 42) << "the first error stops it";
     EXPECT_EQ(visits, 4);
+    EXPECT_EQ(iterate(destination, nullptr, source), 0);
+    EXPECT_EQ(visits, 2);
     EXPECT_TRUE(destination.damage().empty());
 }
 
@@ -110,14 +112,14 @@ TEST(HostServices, ASuiteFailsInThreeWays) {
     for (const auto& [kind, result, handsOut] :
          {SuiteFault{FaultKind::Refuse, 12, false}, SuiteFault{FaultKind::GiveNothing, 0, false},
           SuiteFault{FaultKind::Misreport, 12, true}}) {
-        FaultPlan plan{{.call = "AcquireSuite AEGP Item Suite", .nth = 2, .kind = kind, .error = 12}};
+        FaultPlan plan{{.call = "AcquireSuite AEGP Item Suite", .nth = 1, .kind = kind, .error = 12}};
         HostCall call({.faults = &plan});
         SPBasicSuite* const desk = call.inData()->pica_basicP;
         const void* suite = nullptr;
-        EXPECT_EQ(desk->AcquireSuite("AEGP Item Suite", 10, &suite), 0);
-        EXPECT_EQ(desk->AcquireSuite("AEGP Layer Suite", 11, &suite), 0);
         EXPECT_EQ(desk->AcquireSuite("AEGP Item Suite", 10, &suite), result);
         EXPECT_EQ(suite != nullptr, handsOut);
+        EXPECT_EQ(desk->AcquireSuite("AEGP Layer Suite", 11, &suite), 0);
+        EXPECT_EQ(desk->AcquireSuite("AEGP Item Suite", 10, &suite), 0);
         EXPECT_EQ(desk->ReleaseSuite("AEGP Item Suite", 10), 0);
         EXPECT_EQ(desk->ReleaseSuite("AEGP Layer Suite", 11), 0);
         EXPECT_TRUE(call.findings().empty()) << "what was reported as failed needn't be released";
