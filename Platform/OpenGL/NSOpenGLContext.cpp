@@ -30,7 +30,8 @@ struct ThreadReference {
             previous->release();
     }
 
-    // A thread that ended with a context current would keep it from every other thread, and from ending.
+    // A thread that ended with a context current would keep it from every other thread, and from ending. Where this
+    // code was loaded as part of a plug-in, the C library keeps it loaded until the threads that used it have ended.
     ~ThreadReference() {
         if (context && currentBinding() == context->CGLContextObj())
             setBinding(nullptr);

@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 using namespace Ombrique::Tests;
@@ -127,10 +128,11 @@ TEST(Context, ManyThreadsMayBeTheFirst) {
     constexpr int kThreads = 8;
     std::barrier together(kThreads);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int i = 0; i < kThreads; ++i)
         threads.emplace_back([&] {
             together.arrive_and_wait();
-            for (int round = 0; round < 20; ++round) {
+            for (int round = 0; round < 5; ++round) {
                 const auto context = makeContext();
                 ASSERT_TRUE(context && context->makeCurrentContext());
                 EXPECT_EQ(NSOpenGLContext::currentContext(), context.get());

@@ -17,6 +17,9 @@
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
 
 using namespace Ombrique::GaussianBlur;
 using namespace Ombrique::Tests;
@@ -192,6 +195,7 @@ TEST_F(ContextManager, ThreadsMayComeAtTheSameTime) {
     constexpr std::size_t kThreads = 8;
     std::array<AEOpenGLContext*, kThreads> contexts = {};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (AEOpenGLContext*& context : contexts)
         threads.emplace_back([&context] {
             context = AEOpenGLContextManager::getCurrentRenderContext();
