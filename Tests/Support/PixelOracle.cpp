@@ -12,7 +12,11 @@ namespace {
 
 using Hosts::World;
 
+/// How far from half way between two steps a value must lie for its rounding to be sure, before the coordinates of
+/// texels add to it.
 constexpr double kTie = 0.01;
+/// The GPU's single precision, as a part of the value.
+constexpr double kPrecision = 0x1p-24;
 
 /// The values that a channel may take.
 struct Range {
@@ -20,18 +24,28 @@ struct Range {
     int most = 0;
 };
 
-Range rounded(double least, double most) {
-    const auto step = [](double value) { return static_cast<int>(std::floor(std::clamp(value, 0.0, 255.0) + 0.5)); };
-    return {step(least - kTie), step(most + kTie)};
+Range rounded(double least, double most, double tie = kTie) {
+    // Not a number is stored as 0.
+    const auto step = [](double value) {
+        return std::isnan(value) ? 0 : static_cast<int>(std::floor(std::clamp(value, 0.0, 255.0) + 0.5));
+    };
+    return {step(least - tie), step(most + tie)};
 }
 
+/// How far a coordinate of single precision may miss the centre of a texel, as a part of the texel. The input is
+/// sampled linearly, so by so much of what its neighbours differ (255 steps at most) each channel is off.
+double offCentreOf(const World& input) { return kPrecision * (input.width() + input.height()); }
+
 /// One colour channel on its way through the premultiplied 8-bit picture between the two passes.
-Range correctedColour(int colour, int alpha, double contrast, double brightness) {
+Range correctedColour(int colour, int alpha, double contrast, double brightness, double offCentre) {
     if (alpha == 0) {
         return {};
     }
     const double corrected = (colour / 255.0 - 0.5) * contrast + 0.5 + brightness / 100.0;
-    const Range premultiplied = rounded(corrected * alpha, corrected * alpha);
+    const double product = corrected * alpha;
+    // What the colour's and the alpha's misses add to the product.
+    const double missed = offCentre * (std::abs(contrast) * alpha + std::abs(corrected) * 255.0);
+    const Range premultiplied = rounded(product, product, std::isfinite(missed) ? kTie + missed : kTie);
     return rounded(premultiplied.least * 255.0 / alpha, premultiplied.most * 255.0 / alpha);
 }
 
@@ -96,7 +110,7 @@ std::string compareWithOracle(const World& input, const World& output, double co
                 const std::array<int, 4> source = channels(input.pixel<PF_Pixel8>(x, y));
                 expected[0] = {source[0], source[0]};
                 for (std::size_t i = 1; i < 4; ++i) {
-                    expected[i] = correctedColour(source[i], source[0], contrast, brightness);
+                    expected[i] = correctedColour(source[i], source[0], contrast, brightness, offCentreOf(input));
                 }
             }
             differences.compare(x, y, channels(output.pixel<PF_Pixel8>(x, y)), expected);
