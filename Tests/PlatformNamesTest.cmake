@@ -1,0 +1,12 @@
+# What Plugins may name of the ground that it stands on: nothing. See Documents/Porting.md.
+file(GLOB_RECURSE sources ${ROOT}/Plugins/*.h ${ROOT}/Plugins/*.cpp ${ROOT}/Plugins/*.inl)
+list(LENGTH sources count)
+if(count LESS 20)
+    message(FATAL_ERROR "Only ${count} sources found under ${ROOT}/Plugins")
+endif()
+foreach(source IN LISTS sources)
+    file(STRINGS ${source} lines REGEX "EGL|egl[A-Z]|glibc|[Ll]inux|GLX|__GLIBC__|_GNU_SOURCE|malloc\\.h|unistd\\.h|dlfcn\\.h")
+    if(lines)
+        message(SEND_ERROR "${source} names the platform: ${lines}")
+    endif()
+endforeach()
