@@ -1,31 +1,41 @@
 #include "Hosts/Engine/HostFunctions.h"
 
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 // The C library's functions, as the host serves them.
 namespace Ombrique::Hosts {
 
 namespace {
 
-/// As sprintf, but what doesn't fit into return_msg is cut off and noted.
-int format(HostCall& call, char* buffer, const char* format, va_list arguments) {
-    char* const message = call.outData()->return_msg;
-    if (buffer != message)
-        return std::vsprintf(buffer, format, arguments);
-    const int length = std::vsnprintf(buffer, sizeof call.outData()->return_msg, format, arguments);
-    if (length >= static_cast<int>(sizeof call.outData()->return_msg))
-        call.ledger().note("a text of " + std::to_string(length) + " characters doesn't fit into return_msg");
-    return length;
+/// What fits into `buffer`, in bytes: known of return_msg, and of nothing else.
+std::size_t roomOf(HostCall& call, const char* buffer) {
+    return buffer == call.outData()->return_msg ? sizeof call.outData()->return_msg : INT_MAX;
 }
 
+void noteTooLong(int length) noexcept {
+    withoutExceptions([length] {
+        HostCall::current()->ledger().note("a text of " + std::to_string(length) +
+                                           " characters doesn't fit into return_msg");
+        return PF_Err{PF_Err_NONE};
+    });
+}
+
+/// As sprintf, but what doesn't fit into return_msg is cut off and noted.
 int hostSprintf(char* buffer, const char* pattern, ...) {
+    const std::size_t room =
+        serveValue("sprintf", std::size_t{0}, [buffer](HostCall& call) { return roomOf(call, buffer); });
+    if (room == 0)
+        return -1;
     va_list arguments;
     va_start(arguments, pattern);
-    const int length =
-        serveValue("sprintf", -1, [&](HostCall& call) { return format(call, buffer, pattern, arguments); });
+    const int length = std::vsnprintf(buffer, room, pattern, arguments);
     va_end(arguments);
+    if (length >= 0 && static_cast<std::size_t>(length) >= room)
+        noteTooLong(length);
     return length;
 }
 
