@@ -1,6 +1,7 @@
 #include "Platform/OpenGL/CGLCurrent.h"
 #include "Platform/OpenGL/NSOpenGLContext.h"
 #include "Platform/OpenGL/NSOpenGLPixelFormat.h"
+#include "Tests/Support/SoftwareDevice.h"
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
@@ -23,11 +24,21 @@ EGLDisplay deviceDisplay = EGL_NO_DISPLAY;
 bool knowsSurfaceless = true;   ///< whether contexts may be current without a surface
 bool looksLikeHardware = false; ///< whether the EGL device hides that it is software
 
+using Address = __eglMustCastToProperFunctionPointerType;
+
 template <typename Function> Function* real(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
 bool refuses(EGLDisplay display, Refuses what) { return display == deviceDisplay && deviceRefuses == what; }
+
+/// The software device is the only one, whatever the machine has.
+EGLBoolean oneDevice(EGLint room, EGLDeviceEXT* devices, EGLint* count) {
+    *count = 1;
+    if (devices && room > 0)
+        *devices = softwareDevice(real<decltype(eglGetProcAddress)>("eglGetProcAddress"));
+    return EGL_TRUE;
+}
 
 const char* hardwareDeviceString(EGLDeviceEXT, EGLint) { return "EGL_EXT_device_drm"; }
 
@@ -72,9 +83,11 @@ const char* eglQueryString(EGLDisplay display, EGLint name) {
     return extensions.c_str();
 }
 
-__eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
+Address eglGetProcAddress(const char* name) {
+    if (name == std::string_view("eglQueryDevicesEXT"))
+        return reinterpret_cast<Address>(oneDevice);
     if (looksLikeHardware && name == std::string_view("eglQueryDeviceStringEXT"))
-        return reinterpret_cast<__eglMustCastToProperFunctionPointerType>(hardwareDeviceString);
+        return reinterpret_cast<Address>(hardwareDeviceString);
     return real<decltype(eglGetProcAddress)>("eglGetProcAddress")(name);
 }
 

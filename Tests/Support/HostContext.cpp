@@ -1,6 +1,6 @@
 #include "Tests/Support/HostContext.h"
 
-#include <EGL/eglext.h>
+#include "Tests/Support/SoftwareDevice.h"
 
 #include <stdexcept>
 
@@ -9,11 +9,9 @@ namespace Ombrique::Tests {
 namespace {
 
 EGLDisplay deviceDisplay() {
-    const auto queryDevices = reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
-    EGLDeviceEXT device = nullptr;
-    EGLint count = 0;
-    if (!queryDevices || !queryDevices(1, &device, &count) || count < 1)
-        throw std::runtime_error("EGL offers no device for the host's display");
+    const EGLDeviceEXT device = softwareDevice();
+    if (!device)
+        throw std::runtime_error("EGL offers no software device for the host's display");
     return eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
 }
 
