@@ -33,7 +33,8 @@ bool isNotWhiteSpace(char character) {
 std::string RunSriptAndGetStringResult(SPBasicSuite* basicSuite, const char* script) {
     const SuiteScoper<AEGP_UtilitySuite5> utilitySuite(basicSuite, "AEGP Utility Suite", 11);
     const SuiteScoper<AEGP_MemorySuite1> memoryScope(basicSuite, "AEGP Memory Suite", 1);
-    const AEGP_MemorySuite1& memorySuite = *memoryScope.mSuite;
+    // Before there is memory to give back: a table that the host left out is known now.
+    const AEGP_MemorySuite1& memorySuite = *memoryScope.operator->();
 
     AEGP_MemHandle resultHandle = nullptr;
     AEGP_MemHandle errorHandle = nullptr;
@@ -41,7 +42,7 @@ std::string RunSriptAndGetStringResult(SPBasicSuite* basicSuite, const char* scr
     const ScopeExit freeError([&] { freeText(memorySuite, errorHandle); });
     const ScopeExit freeResult([&] { freeText(memorySuite, resultHandle); });
 
-    utilitySuite.mSuite->AEGP_ExecuteScript(0, script, 0, &resultHandle, &errorHandle);
+    utilitySuite->AEGP_ExecuteScript(0, script, 0, &resultHandle, &errorHandle);
     const char* resultText = lockText(memorySuite, resultHandle);
     lockText(memorySuite, errorHandle);
     return resultText != nullptr ? resultText : "";

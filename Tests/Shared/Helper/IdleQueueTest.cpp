@@ -138,11 +138,13 @@ thread_local std::array<int, kProducers> newest;
 
 /// Lets several threads add numbered tasks while `consumers` others run them, and, if `clearing`, one more drops what
 /// it finds. Every task must run or be dropped exactly once, and each consumer must meet each producer's in order.
-void produceAndConsume(int consumers, bool clearing) {
+/// Producers wait while about `backlog` tasks are alive; where those are few, consumers fight over each.
+void produceAndConsume(int consumers, bool clearing, int backlog) {
     IdleQueue queue;
     std::vector<std::vector<std::atomic<int>>> ran(kProducers);
     for (auto& tasks : ran)
         tasks = std::vector<std::atomic<int>>(kTasks);
+    std::atomic<int> added = 0;
     std::atomic<int> gone = 0;
     const auto whileTasksAreLeft = [&](const std::function<void()>& action) {
         newest.fill(-1);
@@ -155,12 +157,16 @@ void produceAndConsume(int consumers, bool clearing) {
         std::list<BoundedThread> threads;
         for (int producer = 0; producer < kProducers; ++producer)
             threads.emplace_back([&, producer] {
-                for (int number = 0; number < kTasks; ++number)
+                for (int number = 0; number < kTasks; ++number) {
+                    while (added - gone >= backlog)
+                        std::this_thread::yield();
+                    ++added;
                     queue.async([&, producer, number, last = atDestruction([&] { ++gone; })] {
                         auto& previous = newest.at(static_cast<std::size_t>(producer));
                         EXPECT_LT(std::exchange(previous, number), number) << "of producer " << producer;
                         ++ran[static_cast<std::size_t>(producer)][static_cast<std::size_t>(number)];
                     });
+                }
             });
         for (int consumer = 0; consumer < consumers; ++consumer)
             threads.emplace_back([&] { whileTasksAreLeft([&] { queue.updateQueue(); }); });
@@ -174,9 +180,10 @@ void produceAndConsume(int consumers, bool clearing) {
             EXPECT_TRUE(times == 1 || (clearing && times == 0)) << "ran " << times << " times";
 }
 
-TEST(IdleQueue, ServesManyProducersAndOneConsumer) { produceAndConsume(1, false); }
-TEST(IdleQueue, ServesManyProducersAndConsumers) { produceAndConsume(3, false); }
-TEST(IdleQueue, IsClearedBesideProducersAndConsumers) { produceAndConsume(2, true); }
+TEST(IdleQueue, ServesManyProducersAndOneConsumer) { produceAndConsume(1, false, kTasks); }
+TEST(IdleQueue, ServesManyProducersAndConsumers) { produceAndConsume(3, false, kTasks); }
+TEST(IdleQueue, GivesATaskThatConsumersFightOverToOne) { produceAndConsume(3, false, 1); }
+TEST(IdleQueue, IsClearedBesideProducersAndConsumers) { produceAndConsume(2, true, kTasks); }
 
 } // namespace
 } // namespace Ombrique::GaussianBlur
