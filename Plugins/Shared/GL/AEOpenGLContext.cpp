@@ -90,8 +90,8 @@ void AEOpenGLContext::makeCurrentFlush(CGLContextObj context) {
 
 void AEOpenGLContext::InitializeOpenGLBindings() {
     glbinding::Binding::initialize(false);
-    // The binding may take all contexts of a process for one. On a thread other than the first it then finds the context
-    // known, and leaves the thread without the state that the next call needs.
+    // The binding may take all contexts of a process for one. On a thread other than the first it then finds the
+    // context known, and leaves the thread without the state that the next call needs.
     glbinding::Binding::useCurrentContext();
     std::cout << std::endl
               << "OpenGL Version:  " << glbinding::ContextInfo::version() << std::endl

@@ -76,8 +76,7 @@ void uploadPixels(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSi
 void iterateFloat(PF_InData* in_data, PF_LayerDef* source, PF_LayerDef* destination, CopyPixelFloatRefcon& refcon,
                   PF_IteratePixelFloatFunc callback) {
     const SuiteScoper<PF_iterateFloatSuite1> suite(in_data, "PF iterateFloat Suite", 1, nullptr, nullptr);
-    const PF_Err error =
-        suite->iterate(in_data, 0, source->height, source, nullptr, &refcon, callback, destination);
+    const PF_Err error = suite->iterate(in_data, 0, source->height, source, nullptr, &refcon, callback, destination);
     if (error != PF_Err_NONE) {
         throw std::int32_t{error};
     }

@@ -1,6 +1,7 @@
 #include "Plugins/Shared/GL/AEOpenglMainFrameBuffer.h"
 
 #include "Plugins/Shared/Helper/ScopeExit.h"
+#include "Plugins/Shared/Math/Vec2.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -32,7 +33,7 @@ void deleteFrameBuffer(unsigned& name) {
 bool isMipmapFilter(GLenum filter) { return filter != GL_LINEAR && filter != GL_NEAREST; }
 
 /// `minification` serves magnification too, unless it is a mipmap filter: then that keeps OpenGL's default.
-unsigned createTexture(std::uint32_t width, std::uint32_t height, GLenum internalFormat, GLenum minification) {
+unsigned createTexture(const Vec2& size, GLenum internalFormat, GLenum minification) {
     unsigned texture = 0;
     glGenTextures(1, &texture);
     ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
@@ -44,8 +45,8 @@ unsigned createTexture(std::uint32_t width, std::uint32_t height, GLenum interna
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    const auto zeros = std::make_unique<std::byte[]>(std::size_t{width} * height * 4);
-    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, static_cast<GLsizei>(width), static_cast<GLsizei>(height), 0,
+    const auto zeros = std::make_unique<std::byte[]>(static_cast<std::size_t>(size.x * size.y * 4.0));
+    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y), 0,
                  GL_RGBA, GL_UNSIGNED_BYTE, zeros.get());
     deleteTexture.dismiss();
     return texture;
@@ -54,6 +55,16 @@ unsigned createTexture(std::uint32_t width, std::uint32_t height, GLenum interna
 void clearTransparent() {
     glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
     glClear(GL_COLOR_BUFFER_BIT);
+}
+
+/// Binds a new frame buffer object with one level of `texture`, cleared.
+void drawToTexture(unsigned texture, int level) {
+    unsigned temporary = 0;
+    glGenFramebuffers(1, &temporary);
+    glBindRenderbuffer(GL_RENDERBUFFER, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, temporary);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, level);
+    clearTransparent();
 }
 
 } // namespace
@@ -250,13 +261,11 @@ void AEOpenglMainFrameBuffer::attachTop() {
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, top);
 }
 
-void AEOpenglMainFrameBuffer::pushNormalRenderContext(unsigned texture) {
-    unsigned temporary = 0;
-    glGenFramebuffers(1, &temporary);
-    glBindRenderbuffer(GL_RENDERBUFFER, 0);
-    glBindFramebuffer(GL_FRAMEBUFFER, temporary);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    clearTransparent();
+void AEOpenglMainFrameBuffer::pushNormalRenderContext(unsigned texture) { drawToTexture(texture, 0); }
+
+void AEOpenglMainFrameBuffer::pushNormalRenderContext(unsigned texture, const Vec2& size, int level) {
+    drawToTexture(texture, level);
+    glViewport(0, 0, static_cast<GLsizei>(size.x), static_cast<GLsizei>(size.y));
 }
 
 void AEOpenglMainFrameBuffer::popNormalRenderContext() {
@@ -277,13 +286,21 @@ void AEOpenglMainFrameBuffer::popNormalRenderContext() {
 }
 
 unsigned AEOpenglMainFrameBuffer::createRenderTexture(bool mipmap) {
-    return createTexture(mWidth, mHeight, GL_RGBA, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
+    return createRenderTexture(Vec2(mWidth, mHeight), mipmap);
+}
+
+unsigned AEOpenglMainFrameBuffer::createRenderTexture(const Vec2& size, bool mipmap) {
+    return createTexture(size, GL_RGBA, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
 }
 
 unsigned AEOpenglMainFrameBuffer::createFloatRenderTexture(bool linear, bool mipmap) {
+    return createFloatRenderTexture(Vec2(mWidth, mHeight), linear, mipmap);
+}
+
+unsigned AEOpenglMainFrameBuffer::createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap) {
     const GLenum plain = linear ? GL_LINEAR : GL_NEAREST;
     const GLenum mipmapped = linear ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST;
-    return createTexture(mWidth, mHeight, GL_RGBA32F, mipmap ? mipmapped : plain);
+    return createTexture(size, GL_RGBA32F, mipmap ? mipmapped : plain);
 }
 
 } // namespace Ombrique::GaussianBlur

@@ -9,6 +9,8 @@
 
 namespace Ombrique::GaussianBlur {
 
+struct Vec2;
+
 /// The render targets of a frame. The plug-in's contexts have no drawable, so whatever a pass draws, it draws into what
 /// this class has bound.
 ///
@@ -61,6 +63,8 @@ public:
     /// Renders into a texture of the caller's, beside the stack: binds a temporary frame buffer object with level 0 of
     /// `texture`, and clears it. The viewport stays.
     void pushNormalRenderContext(unsigned texture);
+    /// The same with mip level `level`, whose size in pixels is `size`, and the viewport set to that.
+    void pushNormalRenderContext(unsigned texture, const Vec2& size, int level);
     /// Ends that and goes back to the top of the stack with the prepared viewport; with an empty stack, frame buffer 0
     /// stays bound and the viewport stays.
     void popNormalRenderContext();
@@ -68,13 +72,16 @@ public:
     /// Deletes all that is on the stack.
     void clearStack();
 
-    // Textures of the prepared size, filled with transparent black, clamped at their edges, owned by the caller.
-    // `mipmap` chooses a mipmap filter for minification; no mip levels are made. GL_TEXTURE_2D is unbound afterwards.
+    // Textures of the prepared size or of `size`, in pixels and truncated to integers; filled with transparent black,
+    // clamped at their edges, owned by the caller. `mipmap` chooses a mipmap filter for minification; no mip levels
+    // are made. GL_TEXTURE_2D is unbound afterwards.
 
     /// 8 bits a channel, linear filters.
     unsigned createRenderTexture(bool mipmap);
+    unsigned createRenderTexture(const Vec2& size, bool mipmap);
     /// 32-bit floats; nearest filters unless `linear`.
     unsigned createFloatRenderTexture(bool linear, bool mipmap);
+    unsigned createFloatRenderTexture(const Vec2& size, bool linear, bool mipmap);
 
     /// The low 16 bits of the size last prepared, in pixels: 70000 gives 4464.
     std::uint16_t width() const { return static_cast<std::uint16_t>(mWidth); }

@@ -76,14 +76,6 @@ void detach(unsigned program, std::span<const Stage> stages) {
     }
 }
 
-/// Calls `call` with the uniform's location, where there is one.
-template <typename Call> void withUniform(const OpenglShader& shader, const std::string& name, Call call) {
-    const int location = shader.getUniformLocation(name);
-    if (location != -1) {
-        call(location);
-    }
-}
-
 void describeAttribute(int location, int components, GLenum type, const void* pointer, int stride) {
     glEnableVertexAttribArray(static_cast<GLuint>(location));
     glVertexAttribPointer(static_cast<GLuint>(location), components, type, GL_FALSE, stride, pointer);
@@ -165,67 +157,67 @@ void OpenglShader::setUniformTexture(const std::string& name, int target, int te
 }
 
 void OpenglShader::setUniform1i(const std::string& name, int x) const {
-    withUniform(*this, name, [=](int location) { glUniform1i(location, x); });
+    withUniform(name, [=](int location) { glUniform1i(location, x); });
 }
 
 void OpenglShader::setUniform2i(const std::string& name, int x, int y) const {
-    withUniform(*this, name, [=](int location) { glUniform2i(location, x, y); });
+    withUniform(name, [=](int location) { glUniform2i(location, x, y); });
 }
 
 void OpenglShader::setUniform3i(const std::string& name, int x, int y, int z) const {
-    withUniform(*this, name, [=](int location) { glUniform3i(location, x, y, z); });
+    withUniform(name, [=](int location) { glUniform3i(location, x, y, z); });
 }
 
 void OpenglShader::setUniform4i(const std::string& name, int x, int y, int z, int w) const {
-    withUniform(*this, name, [=](int location) { glUniform4i(location, x, y, z, w); });
+    withUniform(name, [=](int location) { glUniform4i(location, x, y, z, w); });
 }
 
 void OpenglShader::setUniform1f(const std::string& name, float x) const {
-    withUniform(*this, name, [=](int location) { glUniform1f(location, x); });
+    withUniform(name, [=](int location) { glUniform1f(location, x); });
 }
 
 void OpenglShader::setUniform2f(const std::string& name, float x, float y) const {
-    withUniform(*this, name, [=](int location) { glUniform2f(location, x, y); });
+    withUniform(name, [=](int location) { glUniform2f(location, x, y); });
 }
 
 void OpenglShader::setUniform3f(const std::string& name, float x, float y, float z) const {
-    withUniform(*this, name, [=](int location) { glUniform3f(location, x, y, z); });
+    withUniform(name, [=](int location) { glUniform3f(location, x, y, z); });
 }
 
 void OpenglShader::setUniform4f(const std::string& name, float x, float y, float z, float w) const {
-    withUniform(*this, name, [=](int location) { glUniform4f(location, x, y, z, w); });
+    withUniform(name, [=](int location) { glUniform4f(location, x, y, z, w); });
 }
 
 void OpenglShader::setUniform1iv(const std::string& name, const int* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform1iv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform1iv(location, count, values); });
 }
 
 void OpenglShader::setUniform2iv(const std::string& name, const int* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform2iv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform2iv(location, count, values); });
 }
 
 void OpenglShader::setUniform3iv(const std::string& name, const int* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform3iv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform3iv(location, count, values); });
 }
 
 void OpenglShader::setUniform4iv(const std::string& name, const int* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform4iv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform4iv(location, count, values); });
 }
 
 void OpenglShader::setUniform1fv(const std::string& name, const float* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform1fv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform1fv(location, count, values); });
 }
 
 void OpenglShader::setUniform2fv(const std::string& name, const float* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform2fv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform2fv(location, count, values); });
 }
 
 void OpenglShader::setUniform3fv(const std::string& name, const float* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform3fv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform3fv(location, count, values); });
 }
 
 void OpenglShader::setUniform4fv(const std::string& name, const float* values, int count) const {
-    withUniform(*this, name, [=](int location) { glUniform4fv(location, count, values); });
+    withUniform(name, [=](int location) { glUniform4fv(location, count, values); });
 }
 
 void OpenglShader::setAttribute1iv(int location, const int* pointer, int stride) {

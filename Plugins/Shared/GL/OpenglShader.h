@@ -5,6 +5,13 @@
 
 namespace Ombrique::GaussianBlur {
 
+struct Affine;
+struct Color;
+struct Mat4;
+struct Vec2;
+struct Vec3;
+struct Vec4;
+
 /// One GLSL program: its sources as text, built when it is first used, with setters by name.
 ///
 /// Construction makes no OpenGL call, so a pass can hold a shader before any context exists. The program belongs to the
@@ -62,6 +69,17 @@ public:
     void setUniform3fv(const std::string& name, const float* values, int count) const;
     void setUniform4fv(const std::string& name, const float* values, int count) const;
 
+    // From the math types, whose doubles are narrowed to float. Colours go as red, green, blue, alpha.
+
+    void setUniform2f(const std::string& name, const Vec2& value) const;
+    void setUniform3f(const std::string& name, const Vec3& value) const;
+    void setUniform4f(const std::string& name, const Vec4& value) const;
+    void setUniform4f(const std::string& name, const Color& value) const;
+    /// A mat3, or an array of them: `matrices` points to `count` transforms, each of which gets the last row (0, 0, 1).
+    void setUniformMatrix3f(const std::string& name, Affine* matrices, int count) const;
+    /// A mat4. One matrix is all that it takes: `count` must be 1, which is asserted.
+    void setUniformMatrix4f(const std::string& name, const Mat4& matrix, int count) const;
+
     // Attributes: enables the array and describes it. `pointer` is handed on as it is: with a buffer bound to
     // GL_ARRAY_BUFFER it is an offset in bytes. `stride` is in bytes. Location -1 is skipped, except by the forms of
     // 2fv and 3fv that take a location, which hand it on.
@@ -80,6 +98,14 @@ public:
     void disableVertexAttributeArray(const std::string& name);
 
 private:
+    /// Calls `call` with the uniform's location, where there is one.
+    template <typename Call> void withUniform(const std::string& name, Call call) const {
+        const int location = getUniformLocation(name);
+        if (location != -1) {
+            call(location);
+        }
+    }
+
     std::string mVertexSource;
     std::string mFragmentSource;
     std::string mGeometrySource;
