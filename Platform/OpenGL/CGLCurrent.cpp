@@ -5,7 +5,12 @@
 
 using namespace PlatformEGL;
 
-CGLContextObj CGLGetCurrentContext() { return currentBinding(); }
+CGLContextObj CGLGetCurrentContext() {
+    // A host's context may have other surfaces each time, one of our own has the same.
+    if (const NSOpenGLContext* const own = NSOpenGLContext::currentContext())
+        return own->CGLContextObj();
+    return currentBinding();
+}
 
 bool CGLSetCurrentContext(CGLContextObj context) {
     const bool done = setBinding(context);

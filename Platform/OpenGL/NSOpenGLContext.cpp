@@ -68,23 +68,27 @@ NSOpenGLContext* NSOpenGLContext::initWithFormat(const NSOpenGLPixelFormat* form
     return object != nullptr ? new NSOpenGLContext(object) : nullptr;
 }
 
-NSOpenGLContext* NSOpenGLContext::retainedContext(const ::CGLContextObj& object) {
+NSOpenGLContext* NSOpenGLContext::retainedContext(const void* handle) {
     const std::lock_guard lock(living.mutex);
     for (NSOpenGLContext* context = living.first; context; context = context->mNext)
-        if (context->mObject == object)
+        if (context->mObject.context == handle)
             return context->retainIfAlive() ? context : nullptr;
     return nullptr;
 }
 
 NSOpenGLContext* NSOpenGLContext::currentContext() {
-    const ::CGLContextObj current = currentBinding();
-    const ::CGLContextObj held = tReference.context ? tReference.context->mObject : nullptr;
+    // Each question to EGL costs a system call, and the handle alone tells: a context that is held is alive, so that no
+    // other has its handle.
+    const EGLContext current = eglGetCurrentContext();
+    const EGLContext held = tReference.context ? tReference.context->mObject.context : EGL_NO_CONTEXT;
     if (current != held)
-        tReference.reset(current != nullptr ? retainedContext(current) : nullptr);
+        tReference.reset(current != EGL_NO_CONTEXT ? retainedContext(current) : nullptr);
     return tReference.context;
 }
 
 bool NSOpenGLContext::makeCurrentContext() {
+    if (currentContext() == this)
+        return true;
     const bool done = setBinding(mObject);
     currentContext();
     return done;

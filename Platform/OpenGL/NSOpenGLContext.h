@@ -37,8 +37,8 @@ private:
     explicit NSOpenGLContext(const ::CGLContextObj& object);
     ~NSOpenGLContext() override;
 
-    /// The living context behind a value, with a reference for the caller; null for a foreign one.
-    static NSOpenGLContext* retainedContext(const ::CGLContextObj& object);
+    /// The living context with EGL's handle, with a reference for the caller; null for a foreign one.
+    static NSOpenGLContext* retainedContext(const void* handle);
 
     ::CGLContextObj mObject;
     NSOpenGLContext* mNext = nullptr;

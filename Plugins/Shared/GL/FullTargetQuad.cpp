@@ -63,8 +63,10 @@ void FullTargetQuad::setTextureUniforms(const OpenglShader& shader, unsigned tex
     shader.setUniform1f("multiplier16bit", multiplier);
 }
 
-void FullTargetQuad::makeVertexObjects() {
-    if (unsigned& vertexArray = mVertexArray.current(); vertexArray == 0) {
+/// Makes what is missing, and returns the current context's vertex array.
+unsigned FullTargetQuad::makeVertexObjects() {
+    unsigned& vertexArray = mVertexArray.current();
+    if (vertexArray == 0) {
         glGenVertexArrays(1, &vertexArray);
         glBindVertexArray(vertexArray);
     }
@@ -77,12 +79,13 @@ void FullTargetQuad::makeVertexObjects() {
             glBufferData(GL_ARRAY_BUFFER, sizeof(kDeepVertices), kDeepVertices.data(), GL_STATIC_DRAW);
         }
     }
+    return vertexArray;
 }
 
 void FullTargetQuad::begin(OpenglShader& shader) {
-    makeVertexObjects();
+    const unsigned vertexArray = makeVertexObjects();
     shader.useProgram();
-    glBindVertexArray(mVertexArray.current());
+    glBindVertexArray(vertexArray);
     glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
     const int stride = (mPositionComponents + kTextureCoordinateComponents) * static_cast<int>(sizeof(float));
     if (mPositionComponents == 2) {

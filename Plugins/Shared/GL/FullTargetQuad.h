@@ -39,7 +39,7 @@ public:
     static void setTextureUniforms(const OpenglShader& shader, unsigned texture, float multiplier);
 
 private:
-    void makeVertexObjects();
+    unsigned makeVertexObjects();
     void begin(OpenglShader& shader);
     void end(OpenglShader& shader);
 
