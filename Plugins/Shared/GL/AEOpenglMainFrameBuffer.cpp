@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <glbinding/gl/gl.h>
-#include <memory>
 
 using namespace gl;
 
@@ -31,23 +30,22 @@ void deleteFrameBuffer(unsigned& name) {
 
 bool isMipmapFilter(GLenum filter) { return filter != GL_LINEAR && filter != GL_NEAREST; }
 
-/// `minification` serves magnification too, unless it is a mipmap filter: then that keeps OpenGL's default.
-unsigned createTexture(std::uint32_t width, std::uint32_t height, GLenum internalFormat, GLenum minification) {
+/// A texture filled from `pixels`, 4 bytes each. `minification` serves magnification too, unless it is a mipmap filter:
+/// then that keeps OpenGL's default.
+unsigned createTexture(std::uint32_t width, std::uint32_t height, GLenum internalFormat, GLenum minification,
+                       const std::byte* pixels) {
     unsigned texture = 0;
     glGenTextures(1, &texture);
-    ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
     glBindTexture(GL_TEXTURE_2D, texture);
-    const ScopeExit unbind([] { glBindTexture(GL_TEXTURE_2D, 0); });
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minification);
     if (!isMipmapFilter(minification)) {
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, minification);
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    const auto zeros = std::make_unique<std::byte[]>(std::size_t{width} * height * 4);
     glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, static_cast<GLsizei>(width), static_cast<GLsizei>(height), 0,
-                 GL_RGBA, GL_UNSIGNED_BYTE, zeros.get());
-    deleteTexture.dismiss();
+                 GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    glBindTexture(GL_TEXTURE_2D, 0);
     return texture;
 }
 
@@ -97,6 +95,7 @@ void AEOpenglMainFrameBuffer::unprepare() {
         mMainRenderBuffer = 0;
     }
     clearStack();
+    mZeros = {};
 }
 
 void AEOpenglMainFrameBuffer::destory() {
@@ -276,14 +275,25 @@ void AEOpenglMainFrameBuffer::popNormalRenderContext() {
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
 }
 
+/// The pixels of a transparent black texture. Kept, since clearing as much memory for each frame costs more than some
+/// of OpenGL's own work.
+const std::byte* AEOpenglMainFrameBuffer::zeros(std::uint32_t width, std::uint32_t height) {
+    const std::size_t bytes = std::size_t{width} * height * 4;
+    if (mZeros.size() < bytes) {
+        mZeros = std::vector<std::byte>(bytes);
+    }
+    return mZeros.data();
+}
+
 unsigned AEOpenglMainFrameBuffer::createRenderTexture(bool mipmap) {
-    return createTexture(mWidth, mHeight, GL_RGBA, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
+    return createTexture(mWidth, mHeight, GL_RGBA, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR,
+                         zeros(mWidth, mHeight));
 }
 
 unsigned AEOpenglMainFrameBuffer::createFloatRenderTexture(bool linear, bool mipmap) {
     const GLenum plain = linear ? GL_LINEAR : GL_NEAREST;
     const GLenum mipmapped = linear ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST;
-    return createTexture(mWidth, mHeight, GL_RGBA32F, mipmap ? mipmapped : plain);
+    return createTexture(mWidth, mHeight, GL_RGBA32F, mipmap ? mipmapped : plain, zeros(mWidth, mHeight));
 }
 
 } // namespace Ombrique::GaussianBlur

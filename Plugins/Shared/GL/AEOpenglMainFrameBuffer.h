@@ -3,6 +3,7 @@
 #include "Plugins/Shared/GL/PerContext.h"
 #include "Plugins/Shared/GL/ScreenRender.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -20,7 +21,8 @@ namespace Ombrique::GaussianBlur {
 /// One object serves all contexts of the share group. Frame buffer objects live only in the context that made them, so
 /// each context has its own set, made when it first prepares a size and kept while the size stays; contexts that take
 /// turns at one size rebuild nothing. The renderbuffers are shared. The output renderbuffer of an old size stays in
-/// memory for as long as another context's set still has it attached, that is until that context's next frame.
+/// memory for as long as another context's set still has it attached, that is until that context's next frame. Besides,
+/// one buffer of zeros of the prepared size, 4 bytes a pixel, stays in the host's memory while the size does.
 ///
 /// There is no lock: the caller holds one from prepare() until the picture has been read back. Every operation except
 /// mainFrameBuffer(), width() and height() needs a current context. No OpenGL error is read and none reported; a
@@ -98,6 +100,7 @@ private:
     void attachTop();
     void copyTop(unsigned texture);
     void deleteTop();
+    const std::byte* zeros(std::uint32_t width, std::uint32_t height);
 
     PerContext<FrameBuffers> mFrameBuffers;
     unsigned mMainRenderBuffer = 0;
@@ -106,6 +109,8 @@ private:
     std::uint32_t mHeight = 0;
     std::vector<unsigned> mRenderBufferStack;
     std::map<unsigned, unsigned> mStencilBuffers;
+    /// Never written to.
+    std::vector<std::byte> mZeros;
     ScreenRender* mScreenRender;
     /// Counts the times that the frame buffer objects of all contexts went out of date.
     unsigned mGeneration = 0;
