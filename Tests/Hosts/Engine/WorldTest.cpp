@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <set>
 
 using namespace Ombrique::Hosts;
@@ -14,6 +15,10 @@ struct Shape {
     PixelDepth depth;
     WorldLayout layout;
 };
+
+void PrintTo(const Shape& shape, std::ostream* stream) {
+    *stream << shape.width << " by " << shape.height << ", " << bytesPerPixel(shape.depth) << " bytes a pixel";
+}
 
 class WorldTest : public testing::TestWithParam<Shape> {};
 
