@@ -21,6 +21,7 @@ protected:
     static constexpr std::size_t kTexels = kWidth * kHeight;
 
     PipelineTest() { context.makeContextCurrent(); }
+    ~PipelineTest() override { frameBuffer.destory(); }
 
     /// A texture of floats, `kWidth` by `kHeight`. Its texels are never mixed: between floats, the least bit of a
     /// neighbour's alpha would show where there is none.
