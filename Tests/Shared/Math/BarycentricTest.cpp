@@ -20,7 +20,8 @@ TEST(Barycentric, CornersAndEdgesAreInside) {
 
 TEST(Barycentric, WeightsGiveThePointBackInEveryType) {
     Random random;
-    const Vec2 a2 = random.vec2(), b2 = random.vec2(), c2 = random.vec2(), p2 = random.vec2();
+    const Vec2 a2 = random.value<Vec2>(), b2 = random.value<Vec2>(), c2 = random.value<Vec2>(),
+               p2 = random.value<Vec2>();
     expectNear(values(Barycentric(a2, b2, c2, p2).interpolate(a2, b2, c2)), values(p2), 1e-12);
 
     const auto checkProjection = [&](const auto& a, const auto& b, const auto& c, const auto& away) {
@@ -29,7 +30,7 @@ TEST(Barycentric, WeightsGiveThePointBackInEveryType) {
         expectNear(values(Barycentric(a, b, c, p).interpolate(a, b, c)), values(p), 1e-12);
         expectNear(values(Barycentric(a, b, c, p + away)), {0.5, -0.75, 1.25}, 1e-12);
     };
-    const Vec3 a = random.vec3(), b = random.vec3(), c = random.vec3();
+    const Vec3 a = random.value<Vec3>(), b = random.value<Vec3>(), c = random.value<Vec3>();
     const Vec3 normal = (b - a).cross(c - a);
     checkProjection(a, b, c, normal);
     checkProjection(Vec4(a, 2), Vec4(b, 2), Vec4(c, 2), Vec4(normal, -5));

@@ -37,8 +37,6 @@ TEST(Box3, EmptyIsInsideOutOrTheOrigin) {
     EXPECT_TRUE(Box3(Vec3(0), Vec3(0)).isEmpty());
     EXPECT_FALSE(Box3(Vec3(2), Vec3(2)).isEmpty());
     EXPECT_TRUE(Box3(Vec3(0, 0, 1), Vec3(1, 1, 0)).isEmpty());
-    expectValues(Box3().getCenter(), {0, 0, 0});
-    expectValues(Box3().getSize(), {-kInfinity, -kInfinity, -kInfinity});
 }
 
 TEST(Box3, FacesMoveOutward) {
@@ -88,33 +86,22 @@ TEST(Box3, IntersectionAndUnion) {
 }
 
 TEST(Rect, SettersMoveOrResize) {
-    const Rect start(Vec2(5, 6), Vec2(10, 20));
-    struct Row {
-        const char* name;
-        void (*change)(Rect&);
-        std::vector<double> expected;
+    const auto check = [](void (*change)(Rect&), const Rect& expected) {
+        Rect rect(Vec2(5, 6), Vec2(10, 20));
+        change(rect);
+        expectValues(rect, values(expected));
     };
-    const Row rows[] = {{"left", [](Rect& r) { r.setLeft(0); }, {0, 6, 10, 20}},
-                        {"top", [](Rect& r) { r.setTop(0); }, {5, 0, 10, 20}},
-                        {"right", [](Rect& r) { r.setRight(20); }, {5, 6, 15, 20}},
-                        {"bottom", [](Rect& r) { r.setBottom(6.1F); }, {5, 6, 10, 6.0999999046325684 - 6}},
-                        {"point", [](Rect& r) { r.setPoint(Vec2(1, 2)); }, {1, 2, 10, 20}},
-                        {"size", [](Rect& r) { r.setSize(Vec2(1, 2)); }, {5, 6, 1, 2}},
-                        {"centre x", [](Rect& r) { r.setCenterX(0); }, {-5, 6, 10, 20}},
-                        {"centre y", [](Rect& r) { r.setCenterY(0); }, {5, -10, 10, 20}},
-                        {"centre", [](Rect& r) { r.setCenter(Vec2(1, 2)); }, {-4, -8, 10, 20}},
-                        {"include", [](Rect& r) { r.include(Vec2(50, -1)); }, {5, -1, 45, 27}},
-                        {"include inside", [](Rect& r) { r.include(Vec2(6, 7)); }, {5, 6, 10, 20}}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        Rect rect = start;
-        row.change(rect);
-        expectValues(rect, row.expected);
-    }
-    expectValues(start.getBottomRight(), {15, 26});
-    expectValues(start.getTopRight(), {15, 6});
-    expectValues(start.getBottomLeft(), {5, 26});
-    expectValues(start.getCenter(), {10, 16});
+    check([](Rect& r) { r.setLeft(0), r.setTop(1); }, Rect(0, 1, 10, 20));
+    check([](Rect& r) { r.setRight(20); }, Rect(5, 6, 15, 20));
+    check([](Rect& r) { r.setBottom(6.1F); }, Rect(5, 6, 10, 6.0999999046325684 - 6));
+    check([](Rect& r) { r.setPoint(Vec2(1, 2)); }, Rect(1, 2, 10, 20));
+    check([](Rect& r) { r.setSize(Vec2(1, 2)); }, Rect(5, 6, 1, 2));
+    check([](Rect& r) { r.setCenterX(0), r.setCenterY(0); }, Rect(-5, -10, 10, 20));
+    check([](Rect& r) { r.setCenter(Vec2(1, 2)); }, Rect(-4, -8, 10, 20));
+    check([](Rect& r) { r.include(Vec2(50, -1)), r.include(Vec2(6, 7)); }, Rect(5, -1, 45, 27));
+    const Rect rect(5, 6, 10, 20);
+    EXPECT_EQ(std::tuple(rect.getRight(), rect.getBottom(), rect.getCenterX(), rect.getCenterY()),
+              std::tuple(15, 26, 10, 16));
 }
 
 TEST(Rect, EdgesCountForContainingAndTouchingButNotForIntersecting) {
@@ -142,7 +129,6 @@ TEST(Rect, NewRectangles) {
     expectValues(unit.expand(0.1F), {-0.10000000149011612, -0.10000000149011612, 1 + 2 * 0.10000000149011612,
                                      1 + 2 * 0.10000000149011612});
     expectValues(wide.scale(2.0F, 0.5F), {-2, 2, 6, 0});
-    expectValues(wide, {0, 0, 2, 4});
 }
 
 TEST(Range, ConstructorsTellFlagsFromNumbers) {

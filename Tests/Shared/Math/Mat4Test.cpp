@@ -41,20 +41,19 @@ TEST(Mat4, FlagsSelectTheOrderOfTheArguments) {
 }
 
 TEST(Mat4, ComparesEachElementWithTheBoundIncluded) {
-    Mat4 near(false), beyond(false), undefined(false);
-    near.m[7] = -1e-12;
-    beyond.m[7] = 1.1e-12;
-    undefined.m[15] = kNaN;
-    EXPECT_TRUE(Mat4(false) == near);
-    EXPECT_FALSE(Mat4(false) == beyond);
-    EXPECT_FALSE(undefined == undefined);
+    for (const auto& [element, expected] :
+         {std::pair(-1e-12, true), std::pair(1.1e-12, false), std::pair(kNaN, false)}) {
+        Mat4 m(false);
+        m.m[7] = element;
+        EXPECT_EQ(Mat4(false) == m, expected) << element;
+    }
 }
 
 TEST(Mat4, ProductsAgreeAndMayOverwriteTheirOperands) {
     Random random;
-    Mat4 a = random.mat4();
-    const Mat4 b = random.mat4();
-    const Vec4 v = random.vec4();
+    Mat4 a = random.value<Mat4>();
+    const Mat4 b = random.value<Mat4>();
+    const Vec4 v = random.value<Vec4>();
     const std::vector<double> expected = stored(eigen(a) * eigen(b));
     expectNear(values(a * b), expected, 1e-13);
     Mat4 left = a, right = b;
@@ -96,7 +95,7 @@ TEST(Mat4, PointsDirectionsAndProjections) {
 TEST(Mat4, InverseAndDeterminant) {
     Random random;
     for (int i = 0; i < 50; ++i) {
-        Mat4 m = random.mat4();
+        Mat4 m = random.value<Mat4>();
         const double determinant = eigen(m).determinant();
         EXPECT_NEAR(m.determinant(), determinant, 1e-12);
         Mat4 inverse(false);
@@ -107,7 +106,7 @@ TEST(Mat4, InverseAndDeterminant) {
         EXPECT_TRUE(m.getInverse(m));
         expectValues(m, values(inverse));
     }
-    Mat4 singular = random.mat4();
+    Mat4 singular = random.value<Mat4>();
     singular.setColumn(2, Vec4());
     Mat4 out = singular;
     EXPECT_FALSE(singular.getInverse(out));
@@ -146,27 +145,21 @@ TEST(Mat4, MakersAgreeWithOpenGLConventions) {
 
 TEST(Mat4, VerbsMultiplyOnTheRight) {
     Random random;
-    const Mat4 start = random.mat4();
-    const Vec3 v = random.vec3();
-    struct Row {
-        const char* name;
-        std::function<void(Mat4&)> verb, maker;
-    };
-    const Row rows[] = {
-        {"translate", [&](Mat4& m) { m.translate(Vec4(v, 9)); }, [&](Mat4& m) { m.setTranslate(v); }},
-        {"scale", [&](Mat4& m) { m.scale(Vec4(v, 9)); }, [&](Mat4& m) { m.setScale(v); }},
-        {"rotate", [&](Mat4& m) { m.rotate(0.7, Vec4(v, 9)); }, [&](Mat4& m) { m.setRotation(0.7, v); }},
-        {"rotateX", [](Mat4& m) { m.rotateX(0.7); }, [](Mat4& m) { m.setXRotation(0.7); }},
-        {"rotateY", [](Mat4& m) { m.rotateY(0.7); }, [](Mat4& m) { m.setYRotation(0.7); }},
-        {"rotateZ", [](Mat4& m) { m.rotateZ(0.7); }, [](Mat4& m) { m.setZRotation(0.7); }},
-        {"zero axis", [](Mat4& m) { m.rotate(0.7, 0, 0, 0); }, [](Mat4& m) { m.setXRotation(0.7); }}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
+    const Mat4 start = random.value<Mat4>();
+    const Vec3 v = random.value<Vec3>();
+    const auto check = [&](auto verb, auto maker) {
         Mat4 changed = start, transform(false);
-        row.verb(changed);
-        row.maker(transform);
+        verb(changed);
+        maker(transform);
         expectNear(values(changed), stored(eigen(start) * eigen(transform)), 1e-13);
-    }
+    };
+    check([&](Mat4& m) { m.translate(Vec4(v, 9)); }, [&](Mat4& m) { m.setTranslate(v); });
+    check([&](Mat4& m) { m.scale(Vec4(v, 9)); }, [&](Mat4& m) { m.setScale(v); });
+    check([&](Mat4& m) { m.rotate(0.7, Vec4(v, 9)); }, [&](Mat4& m) { m.setRotation(0.7, v); });
+    check([](Mat4& m) { m.rotateX(0.7); }, [](Mat4& m) { m.setXRotation(0.7); });
+    check([](Mat4& m) { m.rotateY(0.7); }, [](Mat4& m) { m.setYRotation(0.7); });
+    check([](Mat4& m) { m.rotateZ(0.7); }, [](Mat4& m) { m.setZRotation(0.7); });
+    check([](Mat4& m) { m.rotate(0.7, 0, 0, 0); }, [](Mat4& m) { m.setXRotation(0.7); }); // a zero axis is x
 }
 
 TEST(Mat4, LookAtWritesTheViewersAxesOnly) {

@@ -40,12 +40,14 @@ inline void expectNear(const std::vector<double>& actual, const std::vector<doub
 class Random {
 public:
     double number(double low = -3.0, double high = 3.0) { return std::uniform_real_distribution(low, high)(mEngine); }
-    Vec2 vec2() { return Vec2(number(), number()); }
-    Vec3 vec3() { return Vec3(vec2(), number()); }
-    Vec4 vec4() { return Vec4(vec3(), number()); }
-    Mat4 mat4() { return Mat4(vec4(), vec4(), vec4(), vec4(), true); }
+    /// A value of any type that consists of doubles alone.
+    template <typename Value> Value value() {
+        std::array<double, sizeof(Value) / sizeof(double)> numbers;
+        std::generate(numbers.begin(), numbers.end(), [this] { return number(); });
+        return std::bit_cast<Value>(numbers);
+    }
     Quaternion unitQuaternion() {
-        Quaternion q(number(), number(), number(), number());
+        auto q = value<Quaternion>();
         q.normalize();
         return q;
     }

@@ -26,7 +26,7 @@ TEST(Quaternion, ProductsAndRotationAgreeWithTheHamiltonProduct) {
     Random random;
     for (int i = 0; i < 20; ++i) {
         const Quaternion a = random.unitQuaternion(), b = random.unitQuaternion();
-        const Vec3 v = random.vec3();
+        const Vec3 v = random.value<Vec3>();
         Quaternion after = a, before = a, squared = a;
         after.multiply(b);
         before.premultiply(b);
@@ -60,7 +60,7 @@ TEST(Quaternion, ZeroNormalisesToTheIdentity) {
 TEST(Quaternion, DirectionsTurnOntoEachOther) {
     Random random;
     for (int i = 0; i < 20; ++i) {
-        Vec3 from = random.vec3(), to = random.vec3();
+        Vec3 from = random.value<Vec3>(), to = random.value<Vec3>();
         from.normalize();
         to.normalize();
         expectNear(values(Quaternion::quaternionMulVec3(Quaternion(from, to), from)), values(to), 1e-13);
@@ -88,23 +88,15 @@ TEST(Quaternion, SlerpFollowsTheShorterArc) {
         expectNear(values(Quaternion::lerp(a, b, t)), components(eigen(a).slerp(t, eigen(b))), 1e-14);
     }
     const double s = std::sin(0.0005), c = std::cos(0.0005);
-    struct Row {
-        const char* name;
-        Quaternion a, b;
-        double t;
-        std::vector<double> expected;
+    const auto check = [](const Quaternion& a, const Quaternion& b, double t, const Quaternion& expected) {
+        expectValues(Quaternion::lerp(a, b, t), values(expected));
     };
-    const Row rows[] = {
-        {"the end keeps its sign", Quaternion(0, 0, 0, 1), Quaternion(0.6, 0, 0, -0.8), 1.0, {0.6, 0, 0, -0.8}},
-        {"the start", Quaternion(0, 0, 0, 1), Quaternion(0.6, 0, 0, 0.8), 0.0, {0, 0, 0, 1}},
-        {"towards the negative", Quaternion(0.6, 0, 0, 0.8), Quaternion(-0.6, 0, 0, -0.8), 0.5, {0.6, 0, 0, 0.8}},
-        {"close ones have a mean", Quaternion(0, 0, 0, 1), Quaternion(s, 0, 0, c), 0.9, {s * 0.5, 0, 0, (1 + c) * 0.5}},
-        {"equal ones, any t", Quaternion(3, 0, 0, 4), Quaternion(3, 0, 0, 4), 7.0, {3, 0, 0, 4}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        expectValues(Quaternion::lerp(row.a, row.b, row.t), row.expected);
-    }
+    const Quaternion identity, far(0.6, 0, 0, -0.8), q(0.6, 0, 0, 0.8), negative(-0.6, 0, 0, -0.8), close(s, 0, 0, c);
+    check(identity, far, 1.0, far); // the end keeps its sign
+    check(identity, far, 0.0, identity);
+    check(q, negative, 0.5, q);
+    check(identity, close, 0.9, Quaternion(s * 0.5, 0, 0, (1 + c) * 0.5)); // close ones have a plain mean
+    check(Quaternion(3, 0, 0, 4), Quaternion(3, 0, 0, 4), 7.0, Quaternion(3, 0, 0, 4));
     Quaternion beyond;
     beyond.slerp(Quaternion(Vec3(0, 0, 1), 0.5), 3.0);
     expectNear(values(beyond), values(Quaternion(Vec3(0, 0, 1), 1.5)), 1e-15);

@@ -6,12 +6,9 @@
 namespace Ombrique::GaussianBlur {
 namespace {
 
-struct Order {
-    Euler::RotationOrder order;
-    const char* axes;
-};
-constexpr Order kOrders[] = {{Euler::XYZ, "xyz"}, {Euler::YZX, "yzx"}, {Euler::ZXY, "zxy"},
-                             {Euler::XZY, "xzy"}, {Euler::YXZ, "yxz"}, {Euler::ZYX, "zyx"}};
+constexpr std::pair<Euler::RotationOrder, const char*> kOrders[] = {{Euler::XYZ, "xyz"}, {Euler::YZX, "yzx"},
+                                                                    {Euler::ZXY, "zxy"}, {Euler::XZY, "xzy"},
+                                                                    {Euler::YXZ, "yxz"}, {Euler::ZYX, "zyx"}};
 
 /// The product of the three rotations about single axes, as the order's name says.
 Mat4 rotationOf(const Euler& euler, const char* axes) {
@@ -40,7 +37,7 @@ TEST(RotationConversions, QuaternionsAndMatricesStandForTheSameRotation) {
     for (const Quaternion& q : samples) {
         SCOPED_TRACE(testing::PrintToString(values(q)));
         Mat4 matrix = rotationOf(q);
-        const Vec3 v = random.vec3();
+        const Vec3 v = random.value<Vec3>();
         expectNear(values(matrix * v), values(Quaternion::quaternionMulVec3(q, v)), 1e-14);
         Vec3 applied = v;
         applied.applyQuaternion(q);
@@ -87,22 +84,18 @@ TEST(RotationConversions, EulerAnglesComposeInTheirOrderAndComeBack) {
 }
 
 TEST(RotationConversions, GimbalLockBeginsAtASinglePrecisionThreshold) {
-    Mat4 m(true);
-    m.m[9] = -0.5;
-    Euler euler;
-    m.m[8] = 0.9999989867210388;
-    euler.setWithMat4(m, Euler::XYZ);
-    EXPECT_EQ(euler.x, 0.0) << "locked";
-    m.m[8] = std::nextafter(0.9999989867210388, 0.0);
-    euler.setWithMat4(m, Euler::XYZ);
-    EXPECT_EQ(euler.x, std::atan2(0.5, 1.0));
-    m.m[8] = -1.5;
-    euler.setWithMat4(m, Euler::XYZ);
-    EXPECT_EQ(euler.y, -0.5 * kPi) << "clamped";
-    m.m[8] = kNaN;
-    euler.setWithMat4(m, Euler::XYZ);
-    EXPECT_TRUE(std::isnan(euler.y));
-    EXPECT_EQ(euler.x, 0.0);
+    const auto extracted = [](double key) {
+        Mat4 m(true);
+        m.m[8] = key;
+        m.m[9] = -0.5;
+        Euler euler;
+        euler.setWithMat4(m, Euler::XYZ);
+        return euler;
+    };
+    EXPECT_EQ(extracted(0.9999989867210388).x, 0.0);
+    EXPECT_EQ(extracted(std::nextafter(0.9999989867210388, 0.0)).x, std::atan2(0.5, 1.0));
+    EXPECT_EQ(extracted(-1.5).y, -0.5 * kPi) << "clamped";
+    EXPECT_TRUE(std::isnan(extracted(kNaN).y) && extracted(kNaN).x == 0.0);
 }
 
 TEST(RotationConversions, EulerToQuaternionIsSinglePrecisionToTheLastBit) {
@@ -134,8 +127,8 @@ TEST(RotationConversions, OrdersThatAreMissingOrUnknown) {
 
 TEST(RotationConversions, ComposeAndDecomposeUndoEachOther) {
     Random random;
-    for (const Vec3& anchor : {Vec3(), random.vec3()}) {
-        const Vec3 position = random.vec3(), scale(-2.0, 0.5, 1.0), p = random.vec3();
+    for (const Vec3& anchor : {Vec3(), random.value<Vec3>()}) {
+        const Vec3 position = random.value<Vec3>(), scale(-2.0, 0.5, 1.0), p = random.value<Vec3>();
         const Quaternion rotation = random.unitQuaternion();
         Mat4 m(false);
         m.compose(anchor, position, rotation, scale);
