@@ -42,7 +42,7 @@ void OutputFile::openPartial() {
     // Whoever held the lock before may have given the file its final name meanwhile: then the name is free again, or
     // stands for another file.
     for (;;) {
-        mDescriptor = open(mPartial.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+        mDescriptor = open(mPartial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
         if (mDescriptor < 0)
             fail(errno);
         // Where a file system has no locks, there is no waiting for each other.
@@ -64,16 +64,6 @@ bool OutputFile::isStillPartial() const {
     struct stat named {};
     return fstat(mDescriptor, &opened) == 0 && stat(mPartial.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
            opened.st_dev == named.st_dev;
-}
-
-void OutputFile::append(std::span<const unsigned char> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(mDescriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            fail(errno);
-        if (count > 0)
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
 }
 
 void OutputFile::commit() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <span>
 
 namespace Ombrique::Hosts {
 
@@ -21,18 +20,20 @@ public:
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    /// Where to write by name until commit(); its extension is that of the output.
+    /// The name of the partial file until commit(), with the extension of the output.
     const std::filesystem::path& partialPath() const { return mPartial; }
-    /// Writes bytes to the end of the partial file.
-    void append(std::span<const unsigned char> bytes);
+    /// The partial file, open for reading and writing, at its beginning.
+    int descriptor() const { return mDescriptor; }
     /// Gives the partial file the output's name, and the permissions of the file that it replaces. An empty file is
     /// refused.
     void commit();
 
+    /// Throws for an error number.
+    [[noreturn]] void fail(int errorNumber) const;
+
 private:
     void openPartial();
     bool isStillPartial() const;
-    [[noreturn]] void fail(int errorNumber) const;
 
     std::filesystem::path mAskedFor;
     std::filesystem::path mTarget;

@@ -4,10 +4,9 @@
 #include "Hosts/CommandLine/Failure.h"
 #include "Hosts/CommandLine/OpenImageIOError.h"
 
-#include <OpenImageIO/filesystem.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <string_view>
 
 namespace Ombrique::Hosts {
 namespace {
@@ -112,6 +111,15 @@ bool isTranslucent(const World& pixels) {
     return false;
 }
 
+/// Whether a file holds all of the picture that its header promises.
+bool isReadable(const std::filesystem::path& path) {
+    const auto file = OIIO::ImageInput::open(path.string());
+    if (!file)
+        return static_cast<void>(OIIO::geterror()), false;
+    std::vector<std::uint8_t> samples(file->spec().image_bytes());
+    return file->read_image(0, 0, 0, -1, OIIO::TypeDesc::UINT8, samples.data()) && !file->has_error();
+}
+
 std::unique_ptr<OIIO::ImageOutput> encoderFor(const std::filesystem::path& path) {
     auto encoder = OIIO::ImageOutput::create(path.string());
     if (!encoder) {
@@ -125,18 +133,22 @@ std::unique_ptr<OIIO::ImageOutput> encoderFor(const std::filesystem::path& path)
 } // namespace
 
 PictureWriter::PictureWriter(const std::filesystem::path& path)
-    : mPath(path), mEncoder(encoderFor(path)), mFile(path) {}
+    : mPath(path), mFile(path), mProxy(mFile.descriptor()), mEncoder(encoderFor(path)) {}
 
-bool PictureWriter::encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples) {
-    // Through memory where the encoder can, since those that write by name don't notice every full disk.
-    OIIO::Filesystem::IOVecOutput memory;
-    if (mEncoder->supports("ioproxy"))
-        mEncoder->set_ioproxy(&memory);
-    if (!mEncoder->open(mFile.partialPath().string(), spec) ||
-        !mEncoder->write_image(OIIO::TypeDesc::UINT8, samples.data()) || !mEncoder->close() || mEncoder->has_error())
-        return false;
-    mFile.append(memory.buffer());
-    return true;
+void PictureWriter::encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples) {
+    // Most encoders take a file of ours, which misses no failure. Those that write by name may not notice a full disk,
+    // so their file is read again. The TIFF encoder is one of them, as it damages files of ours that hold Exif data;
+    // and it leaves an error text where there is none.
+    const bool takesProxy = mEncoder->supports("ioproxy") && mEncoder->format_name() != std::string_view("tiff");
+    if (takesProxy)
+        mEncoder->set_ioproxy(&mProxy);
+    const bool isEncoded = mEncoder->open(mFile.partialPath().string(), spec) &&
+                           mEncoder->write_image(OIIO::TypeDesc::UINT8, samples.data()) && mEncoder->close();
+    const std::string complaint = mEncoder->geterror();
+    if (mProxy.errorNumber() != 0)
+        mFile.fail(mProxy.errorNumber());
+    if (!isEncoded || (!takesProxy && !isReadable(mFile.partialPath())))
+        throw Failure(mPath.string() + ": can't be written: " + firstErrorLine(complaint, "the file ends too early"));
 }
 
 std::vector<std::string> PictureWriter::write(const World& pixels, const PictureOrigin& origin) {
@@ -157,9 +169,7 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
     if (withAlpha && convention == AlphaConvention::Straight)
         spec.attribute("oiio:UnassociatedAlpha", 1);
 
-    if (!encode(spec, SamplePacker(origin, withAlpha, convention).pack(pixels, data, window)))
-        throw Failure(mPath.string() +
-                      ": can't be written: " + firstErrorLine(mEncoder->geterror(), "the encoder gave no reason"));
+    encode(spec, SamplePacker(origin, withAlpha, convention).pack(pixels, data, window));
     mFile.commit();
     return losses;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Hosts/CommandLine/DescriptorProxy.h"
 #include "Hosts/CommandLine/OutputFile.h"
 #include "Hosts/CommandLine/Picture.h"
 
@@ -26,12 +27,14 @@ public:
     std::vector<std::string> write(const World& pixels, const PictureOrigin& origin);
 
 private:
-    /// Fills the file through the encoder. Returns whether it succeeded.
-    bool encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples);
+    /// Fills the file through the encoder.
+    void encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples);
 
     std::filesystem::path mPath;
-    std::unique_ptr<OIIO::ImageOutput> mEncoder;
     OutputFile mFile;
+    /// Encoders may still write while they end, so it outlives the encoder.
+    DescriptorProxy mProxy;
+    std::unique_ptr<OIIO::ImageOutput> mEncoder;
 };
 
 } // namespace Ombrique::Hosts

@@ -1,0 +1,132 @@
+#include "Tests/Hosts/CommandLine/ProgramRun.h"
+#include "Tests/Hosts/CommandLine/TestPicture.h"
+#include "Tests/Support/PixelOracle.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace Ombrique::Tests {
+namespace {
+
+/// What a test starts from: good and bad pictures in a folder of its own.
+class Command : public testing::Test {
+protected:
+    Command() {
+        writeTestPicture(folder / "good.png", makePicture(31, 17, 5), {});
+        writeTestPicture(folder / "good.jpg", makePicture(31, 17, 5, true), {3});
+        writeTestPicture(folder / "wide.png", Hosts::World(40000, 1), {1});
+        for (const char* name : {"good.png", "good.jpg"}) {
+            const std::string whole = readFile(folder / name);
+            writeFile(folder / ("cut-" + std::string(name)), whole.substr(0, whole.size() * 2 / 3));
+        }
+        writeFile(folder / "words.png", "these are words");
+        writeFile(folder / "empty.png", "");
+        std::filesystem::create_directory(folder / "folder.png");
+    }
+
+    /// Runs the program in the folder's own terms: arguments that begin with a slash are files of it.
+    ProgramRun run(std::vector<std::string> arguments) const {
+        for (std::string& argument : arguments)
+            if (argument.starts_with('/'))
+                argument = folder / argument.substr(1);
+        return runProgram(arguments);
+    }
+
+    ScratchFolder folder;
+};
+
+struct BadRun {
+    const char* name;
+    std::vector<std::string> arguments;
+    int status;
+    /// What the only line on standard error has to tell.
+    const char* complaint;
+};
+
+TEST_F(Command, RefusesInOneLineAndLeavesNothingBehind) {
+    const std::vector<BadRun> rows = {
+        {"missing input", {"/none.png", "/out.png"}, 1, "none.png: can't be read: No such file"},
+        {"folder as input", {"/", "/out.png"}, 1, "Is a directory"},
+        {"empty input", {"/empty.png", "/out.png"}, 1, "empty.png"},
+        {"no picture", {"/words.png", "/out.png"}, 1, "words.png"},
+        {"truncated PNG", {"/cut-good.png", "/out.png"}, 1, "cut-good.png: is damaged or incomplete"},
+        {"truncated JPEG", {"/cut-good.jpg", "/out.png"}, 1, "cut-good.jpg: is damaged or incomplete"},
+        {"picture beyond the driver", {"/wide.png", "/out.png"}, 1, "wide.png: is 40000 by 1 pixels"},
+        {"contrast above its range", {"/good.png", "/out.png", "--contrast", "10.01"}, 1, "--contrast 10.01"},
+        {"contrast below its range", {"/good.png", "/out.png", "--contrast", "-0.01"}, 1, "0 to 10"},
+        {"brightness out of range", {"/good.png", "/out.png", "--brightness", "-101"}, 1, "-100 to 100"},
+        {"infinite brightness", {"/good.png", "/out.png", "--brightness", "inf"}, 1, "--brightness inf"},
+        {"brightness beyond numbers", {"/good.png", "/out.png", "--brightness", "1e999"}, 1, "out of range"},
+        {"not a number", {"/good.png", "/out.png", "--contrast", "nan"}, 1, "--contrast nan: not a number"},
+        {"number with a tail", {"/good.png", "/out.png", "--contrast", "1,5"}, 1, "--contrast 1,5: not a number"},
+        {"empty number", {"/good.png", "/out.png", "--contrast="}, 2, "--contrast"},
+        {"unknown format", {"/good.png", "/out.nothing"}, 1, "out.nothing: can't be written"},
+        {"output in no folder", {"/good.png", "/none/out.png"}, 1, "none/out.png: can't be written: No such file"},
+        {"folder as output", {"/good.png", "/folder.png"}, 1, "folder.png: can't be written: Is a directory"},
+        {"format that takes no such picture", {"/good.png", "/out.zfile"}, 1, "out.zfile: can't be written"},
+        {"no arguments", {}, 2, "INPUT"},
+        {"no output", {"/good.png"}, 2, "OUTPUT"},
+        {"one file too many", {"/good.png", "/out.png", "/more.png"}, 2, "more.png"},
+        {"unknown option", {"/good.png", "/out.png", "--contrats", "2"}, 2, "--contrats"},
+        {"option without value", {"/good.png", "/out.png", "--contrast"}, 2, "--contrast"},
+    };
+    const auto before = folder.names();
+    for (const BadRun& row : rows) {
+        SCOPED_TRACE(row.name);
+        const ProgramRun result = run(row.arguments);
+        EXPECT_EQ(result.status, row.status);
+        EXPECT_EQ(result.output, "");
+        EXPECT_NE(result.messages.find(row.complaint), std::string::npos) << result.messages;
+        EXPECT_EQ(std::ranges::count(result.messages, '\n'), 1) << result.messages;
+        EXPECT_EQ(folder.names(), before);
+    }
+}
+
+TEST_F(Command, KeepsAnExistingOutputUnlessItIsDone) {
+    writeFile(folder / "out.png", "precious");
+    EXPECT_EQ(run({"/cut-good.png", "/out.png"}).status, 1);
+    EXPECT_EQ(run({"/good.png", "/out.png", "--contrast", "11"}).status, 1);
+    EXPECT_EQ(readFile(folder / "out.png"), "precious");
+
+    std::filesystem::permissions(folder / "out.png", std::filesystem::perms(0640));
+    EXPECT_EQ(run({"/good.png", "/out.png"}).status, 0);
+    EXPECT_EQ(readTestPicture(folder / "out.png", {}).width(), 31);
+    EXPECT_EQ(std::filesystem::status(folder / "out.png").permissions(), std::filesystem::perms(0640));
+}
+
+TEST_F(Command, WritesThroughALinkOverItsOwnInputAndAfterAKilledRun) {
+    // What a killed run of the same picture leaves behind.
+    writeFile(folder / ".good.png.partial.png", "half a picture");
+    std::filesystem::create_symlink(folder / "good.png", folder / "link.png");
+    auto names = folder.names();
+    names.erase(".good.png.partial.png");
+    EXPECT_EQ(run({"/good.png", "/link.png", "--contrast", "0"}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.png"));
+    EXPECT_EQ(compareWithOracle(makePicture(31, 17, 5), readTestPicture(folder / "good.png", {}), 0.0, 0.0), "");
+    EXPECT_EQ(folder.names(), names);
+}
+
+TEST_F(Command, KeepsResultsApartFromWhatThePluginPrints) {
+    const ProgramRun about = run({"--about"});
+    EXPECT_EQ(about.status, 0);
+    EXPECT_EQ(about.output, "Ombrique Contrast v1.0\nOmbrique Contrast\n\nParameters:\n"
+                            "  --contrast    Contrast Value      0 to 10, default 1\n"
+                            "  --brightness  Brightness Value    -100 to 100, default 0\n");
+    EXPECT_NE(about.messages.find("OpenGL Version"), std::string::npos);
+
+    const ProgramRun render = run({"/good.png", "/out.png", "--brightness", "-20"});
+    EXPECT_EQ(render.status, 0);
+    EXPECT_EQ(render.output, "");
+    EXPECT_NE(render.messages.find("OpenGL Version"), std::string::npos);
+    EXPECT_EQ(runProgram({"--about"}, "", ">/dev/full").status, 1);
+}
+
+TEST_F(Command, LoadsTheBundleThatTheEnvironmentNames) {
+    const ProgramRun result = runProgram({"--about"}, "OMBRIQUE_PLUGIN_PATH='" + folder / "No.plugin" + "'");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.messages.find(folder / "No.plugin"), std::string::npos) << result.messages;
+}
+
+} // namespace
+} // namespace Ombrique::Tests
