@@ -22,7 +22,7 @@ std::filesystem::path bundleLocation(const std::filesystem::path& hostFile, std:
     }
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::weakly_canonical(hostFile, error).parent_path();
-    const std::filesystem::path beside = folder / kBundle;
+    std::filesystem::path beside = folder / kBundle;
     if (isFolder(beside))
         return beside;
     for (const char* place : places)

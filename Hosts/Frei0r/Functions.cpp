@@ -91,7 +91,7 @@ f0r_instance_t f0r_construct(unsigned int width, unsigned int height) {
 
 void f0r_destruct(f0r_instance_t instance) {
     guarded(0, [instance] {
-        delete &instanceOf(instance);
+        delete static_cast<Instance*>(instance); // null where construction failed
         return 0;
     });
 }
