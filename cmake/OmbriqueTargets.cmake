@@ -24,6 +24,14 @@ function(ombrique_library name)
     add_library(Ombrique::${name} ALIAS ${name})
 endfunction()
 
+# ombrique_bundle_host(TARGET FOLDER)
+# Tells TARGET, which is installed in FOLDER, where the bundle lies as seen from there, for bundleLocation().
+function(ombrique_bundle_host target folder)
+    file(RELATIVE_PATH built ${CMAKE_CURRENT_BINARY_DIR} ${PROJECT_BINARY_DIR}/Plugins/Contrast)
+    file(RELATIVE_PATH installed /${folder} /${OMBRIQUE_BUNDLE_DIR})
+    target_compile_definitions(${target} PRIVATE OMBRIQUE_BUNDLE_BUILT="${built}" OMBRIQUE_BUNDLE_INSTALLED="${installed}")
+endfunction()
+
 # ombrique_test(NAME LABEL plain|opengl|tools SOURCES cpp... [LINKS target...])
 # A GoogleTest program, each of whose tests CTest knows by itself under LABEL: plain runs without OpenGL (and under
 # ThreadSanitizer), opengl needs a driver, tools runs other programs.

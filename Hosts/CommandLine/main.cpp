@@ -1,9 +1,9 @@
 #include "Hosts/CommandLine/About.h"
 #include "Hosts/CommandLine/Arguments.h"
-#include "Hosts/CommandLine/BundleLocation.h"
 #include "Hosts/CommandLine/Failure.h"
 #include "Hosts/CommandLine/RenderStill.h"
 #include "Hosts/CommandLine/StandardStreams.h"
+#include "Hosts/Engine/BundleLocation.h"
 #include "Hosts/Engine/Effect.h"
 #include "Platform/OpenGL/DriverLimits.h"
 
@@ -29,7 +29,7 @@ void setUp(Effect& effect) {
 }
 
 int run(int count, const char* const* words, StandardStreams& streams) {
-    const PluginBundle bundle(bundleLocation());
+    const PluginBundle bundle(bundleLocation("/proc/self/exe", {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}));
     Effect effect(bundle);
     setUp(effect);
     const std::vector<SliderOption> sliders = sliderOptions(effect.parameters());

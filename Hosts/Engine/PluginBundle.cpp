@@ -28,6 +28,8 @@ Registration readRegistration(const std::filesystem::path& file) {
         list.fail("Kind is \"" + kind + "\", and only \"Effect\" is known");
     Registration registration;
     registration.name = list.string("Name");
+    registration.author = list.stringOrEmpty("Author");
+    registration.explanation = list.stringOrEmpty("Explanation");
     registration.category = list.string("Category");
     registration.matchName = list.string("MatchName");
     registration.entryPoint = list.string("EntryPoint");

@@ -17,10 +17,13 @@ class BundleError : public std::runtime_error {
 
 /// What a bundle's Contents/Resources/Registration.plist tells a host before any code of the plug-in runs: one
 /// dictionary with the keys Kind ("Effect"), Name, Category, MatchName and EntryPoint (strings), Version, OutFlags and
-/// OutFlags2 (integers of 32 bits).
+/// OutFlags2 (integers of 32 bits). Author and Explanation (strings), for people who choose among effects, may be
+/// missing.
 struct Registration {
     std::string name;
     std::string category;
+    std::string author;
+    std::string explanation;
     std::string matchName;
     /// The symbol of the entry point, unmangled.
     std::string entryPoint;

@@ -62,6 +62,10 @@ std::string PropertyList::string(const char* key) const {
     return {text, length};
 }
 
+std::string PropertyList::stringOrEmpty(const char* key) const {
+    return plist_dict_get_item(mRoot.get(), key) ? string(key) : std::string();
+}
+
 std::uint32_t PropertyList::integer(const char* key) const {
     std::uint64_t value = 0;
     plist_get_uint_val(find(key, "an integer", PLIST_UINT), &value);

@@ -15,6 +15,8 @@ public:
 
     /// The value of `key`, which must be there and be a string that isn't empty.
     std::string string(const char* key) const;
+    /// The same, but an empty text where the key is missing.
+    std::string stringOrEmpty(const char* key) const;
     /// The value of `key`, which must be there and be an integer of 32 bits without a sign.
     std::uint32_t integer(const char* key) const;
 

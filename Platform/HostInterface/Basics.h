@@ -67,6 +67,9 @@ constexpr std::uint32_t PF_VERSION(std::uint32_t version, std::uint32_t subversi
                                    std::uint32_t stage, std::uint32_t build) {
     return version << 19 | subversion << 15 | bugfix << 11 | stage << 9 | build;
 }
+/// The version, and the sub-version, of a number so packed.
+constexpr int PF_MajorVersion(std::uint32_t packed) { return static_cast<int>(packed >> 19); }
+constexpr int PF_MinorVersion(std::uint32_t packed) { return static_cast<int>(packed >> 15 & 0xF); }
 
 /// A rectangle of pixels; right and bottom lie outside. Empty when left >= right or top >= bottom.
 struct PF_LRect {

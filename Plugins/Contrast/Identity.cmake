@@ -3,6 +3,8 @@
 
 set(OMBRIQUE_EFFECT_NAME "Ombrique Contrast")
 set(OMBRIQUE_EFFECT_DESCRIPTION "${OMBRIQUE_EFFECT_NAME}")
+set(OMBRIQUE_EFFECT_AUTHOR "Ombrique")
+set(OMBRIQUE_EFFECT_EXPLANATION "Corrects the contrast and the brightness of each frame on the GPU")
 set(OMBRIQUE_EFFECT_CATEGORY "Ombrique")
 set(OMBRIQUE_EFFECT_MATCH_NAME "Ombrique Contrast")
 set(OMBRIQUE_EFFECT_IDENTIFIER "ombrique.contrast")

@@ -1,0 +1,79 @@
+#include "Hosts/Frei0r/FrameThread.h"
+
+#include "Hosts/Frei0r/StandardOutput.h"
+#include "Platform/OpenGL/DriverLimits.h"
+
+#include <csignal>
+#include <stdexcept>
+
+namespace Ombrique::Hosts {
+
+namespace {
+
+/// While it lives, the calling thread takes no signals; a thread that it makes meanwhile never does.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &mBefore);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+private:
+    sigset_t mBefore{};
+};
+
+} // namespace
+
+FrameThread::FrameThread(const PluginBundle& bundle) {
+    std::promise<void> ready;
+    {
+        const SignalsBlocked signalsBlocked;
+        mThread = std::jthread([&](const std::stop_token& stop) { run(stop, bundle, ready); });
+    }
+    ready.get_future().get();
+}
+
+FrameResult FrameThread::render(const FrameRequest& request) {
+    Job job([&request](const Effect& effect) { return effect.render(request); });
+    std::future<FrameResult> result = job.get_future();
+    {
+        const std::lock_guard lock(mMutex);
+        mJobs.push_back(std::move(job));
+    }
+    mArrived.notify_one();
+    return result.get();
+}
+
+void FrameThread::run(const std::stop_token& stop, const PluginBundle& bundle, std::promise<void>& ready) {
+    divertStandardOutputOfThisThread();
+    Effect effect(bundle);
+    try {
+        mLongestSide = longestRenderableSide();
+        if (mLongestSide == 0)
+            throw std::runtime_error("OpenGL: no driver on this machine gives a context of version 3.3 or more");
+        if (const CommandResult result = effect.setUp(); !result.clean())
+            throw std::runtime_error("the plug-in can't be set up: " + result.describe());
+    } catch (...) {
+        ready.set_exception(std::current_exception());
+        return;
+    }
+    ready.set_value();
+    serve(stop, effect);
+}
+
+void FrameThread::serve(const std::stop_token& stop, const Effect& effect) {
+    std::unique_lock lock(mMutex);
+    while (mArrived.wait(lock, stop, [this] { return !mJobs.empty(); })) {
+        Job job = std::move(mJobs.front());
+        mJobs.pop_front();
+        lock.unlock();
+        job(effect);
+        lock.lock();
+    }
+}
+
+} // namespace Ombrique::Hosts

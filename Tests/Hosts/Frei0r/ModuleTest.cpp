@@ -1,0 +1,239 @@
+#include "Tests/Hosts/Frei0r/RawFrames.h"
+#include "Tests/Support/HostContext.h"
+
+#include <barrier>
+#include <cmath>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <limits>
+#include <random>
+#include <thread>
+
+extern "C" {
+#include <frei0r.h>
+}
+
+namespace Ombrique::Tests {
+namespace {
+
+/// The module as a tool loads it.
+struct Module {
+    template <typename Function> Function* find(const char* name, Function*) const {
+        auto* function = reinterpret_cast<Function*>(dlsym(library, name));
+        EXPECT_NE(function, nullptr) << name;
+        return function;
+    }
+
+    Module() { EXPECT_EQ(init(), 1); }
+    ~Module() {
+        deinit();
+        dlclose(library);
+    }
+
+    void* library = dlopen(OMBRIQUE_TEST_MODULE, RTLD_NOW | RTLD_LOCAL);
+    decltype(&f0r_init) init = find("f0r_init", &f0r_init);
+    decltype(&f0r_deinit) deinit = find("f0r_deinit", &f0r_deinit);
+    decltype(&f0r_get_plugin_info) info = find("f0r_get_plugin_info", &f0r_get_plugin_info);
+    decltype(&f0r_get_param_info) paramInfo = find("f0r_get_param_info", &f0r_get_param_info);
+    decltype(&f0r_construct) construct = find("f0r_construct", &f0r_construct);
+    decltype(&f0r_destruct) destruct = find("f0r_destruct", &f0r_destruct);
+    decltype(&f0r_set_param_value) set = find("f0r_set_param_value", &f0r_set_param_value);
+    decltype(&f0r_get_param_value) get = find("f0r_get_param_value", &f0r_get_param_value);
+    decltype(&f0r_update) update = find("f0r_update", &f0r_update);
+    decltype(&f0r_update2) update2 = find("f0r_update2", &f0r_update2);
+};
+
+const std::uint32_t* pixels(const std::string& raw) { return reinterpret_cast<const std::uint32_t*>(raw.data()); }
+std::uint32_t* pixels(std::string& raw) { return reinterpret_cast<std::uint32_t*>(raw.data()); }
+
+/// An instance with both parameters set.
+class Instance {
+public:
+    Instance(const Module& module, int width, int height, double contrast, double brightness)
+        : mModule(module), mWidth(width), mHeight(height),
+          mInstance(module.construct(static_cast<unsigned>(width), static_cast<unsigned>(height))) {
+        EXPECT_NE(mInstance, nullptr);
+        set(contrast, brightness);
+    }
+    ~Instance() { mModule.destruct(mInstance); }
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+
+    /// In the units of the plug-in's sliders.
+    void set(double contrast, double brightness) {
+        setPosition(0, contrast / 10);
+        setPosition(1, (brightness + 100) / 200);
+    }
+    void setPosition(int index, double position) { mModule.set(mInstance, &position, index); }
+    double position(int index) const {
+        double position = -1;
+        mModule.get(mInstance, &position, index);
+        return position;
+    }
+    void update(const std::uint32_t* input, std::uint32_t* output) const {
+        mModule.update(mInstance, 1.5, input, output);
+    }
+
+    /// Renders one picture and compares it with the oracle.
+    void expectRight(unsigned seed, double contrast, double brightness) const {
+        const Hosts::World picture = makePicture(mWidth, mHeight, seed);
+        const std::string input = rawFrame(picture);
+        std::string output(input.size(), 'x');
+        update(pixels(input), pixels(output));
+        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, mWidth, mHeight), contrast, brightness), "")
+            << mWidth << " by " << mHeight << ", contrast " << contrast << ", brightness " << brightness;
+    }
+
+private:
+    const Module& mModule;
+    int mWidth;
+    int mHeight;
+    f0r_instance_t mInstance;
+};
+
+/// Tools ask all modules of a folder, so that must not cost a context.
+TEST(Frei0rModule, IntroducesTheEffectWithoutOpenGL) {
+    testing::internal::CaptureStderr();
+    const Module module;
+    f0r_plugin_info_t info{};
+    module.info(&info);
+    EXPECT_STREQ(info.name, "Ombrique Contrast");
+    EXPECT_STREQ(info.author, "Ombrique");
+    EXPECT_NE(std::string(info.explanation), "");
+    EXPECT_EQ(info.plugin_type, F0R_PLUGIN_TYPE_FILTER);
+    EXPECT_EQ(info.color_model, F0R_COLOR_MODEL_RGBA8888);
+    EXPECT_EQ(info.major_version, 1);
+    EXPECT_EQ(info.minor_version, 0);
+    ASSERT_EQ(info.num_params, 2);
+    const char* const names[] = {"Contrast Value", "Brightness Value"};
+    for (int i = 0; i < 2; ++i) {
+        f0r_param_info_t parameter{};
+        module.paramInfo(&parameter, i);
+        EXPECT_STREQ(parameter.name, names[i]);
+        EXPECT_EQ(parameter.type, F0R_PARAM_DOUBLE);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "a context tells of itself";
+}
+
+TEST(Frei0rModule, ParametersMapOntoTheDeclaredRangesAndHoldFromTheNextFrame) {
+    const Module module;
+    Instance instance(module, 13, 7, 1.4, 12.0);
+    EXPECT_DOUBLE_EQ(instance.position(0), 0.14);
+    EXPECT_DOUBLE_EQ(instance.position(1), 0.56);
+    instance.expectRight(1, 1.4, 12.0);
+    instance.setPosition(0, -0.5); // beyond the ends
+    instance.setPosition(1, 7.0);
+    instance.expectRight(2, 0.0, 100.0);
+    instance.set(2.5, -30.0);
+    instance.setPosition(0, std::numeric_limits<double>::quiet_NaN()); // ignored, as are the next two
+    instance.setPosition(2, 0.5);
+    instance.setPosition(-1, 0.5);
+    instance.expectRight(3, 2.5, -30.0);
+    const Instance other(module, 13, 7, 0.5, 3.0);
+    instance.expectRight(4, 2.5, -30.0);
+    other.expectRight(4, 0.5, 3.0);
+}
+
+TEST(Frei0rModule, DefaultsChangeNothing) {
+    const Module module;
+    const f0r_instance_t instance = module.construct(31, 9);
+    const std::string input = rawFrame(makePicture(31, 9, 77, true));
+    std::string output(input.size(), 'x');
+    module.update2(instance, 0.0, pixels(input), nullptr, nullptr, pixels(output));
+    EXPECT_EQ(input, output);
+    module.destruct(instance);
+}
+
+TEST(Frei0rModule, AnySizeAlsoInPlaceAndUnaligned) {
+    const Module module;
+    for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {3, 129}, {333, 217}})
+        Instance(module, width, height, 1.7, -8.0).expectRight(5, 1.7, -8.0);
+    const Hosts::World picture = makePicture(7, 5, 6);
+    std::string both = rawFrame(picture);
+    both.insert(0, 4, 'x'); // tools hand out frames at any pixel
+    const Instance instance(module, 7, 5, 0.6, 20.0);
+    instance.update(pixels(both) + 1, pixels(both) + 1);
+    EXPECT_EQ(compareWithOracle(picture, pictureOf(both, 4, 7, 5), 0.6, 20.0), "");
+}
+
+TEST(Frei0rModule, RefusesFramesThatTheDriverCannotHold) {
+    const Module module;
+    for (const auto& [width, height] : {std::pair{0U, 5U}, {5U, 0U}, {1U << 20, 4U}, {4U, 0xffffffffU}})
+        EXPECT_EQ(module.construct(width, height), nullptr) << width << " by " << height;
+    Instance(module, 5, 4, 1.0, 9.0).expectRight(8, 1.0, 9.0);
+}
+
+/// One instance gets the slices of a frame from several threads at once.
+TEST(Frei0rModule, SlicesOfAFrame) {
+    constexpr int kWidth = 53, kSliceHeight = 17, kSlices = 6;
+    const Module module;
+    const Instance instance(module, kWidth, kSliceHeight, 1.3, 4.0);
+    const Hosts::World picture = makePicture(kWidth, kSliceHeight * kSlices, 9);
+    const std::string input = rawFrame(picture);
+    for (int round = 0; round < 20; ++round) {
+        std::string output(input.size(), 'x');
+        std::vector<std::jthread> threads;
+        for (std::ptrdiff_t slice = 0; slice < kSlices; ++slice)
+            threads.emplace_back([&, offset = slice * kWidth * kSliceHeight] {
+                instance.update(pixels(input) + offset, pixels(output) + offset);
+            });
+        threads.clear();
+        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, kWidth, picture.height()), 1.3, 4.0), "");
+    }
+}
+
+/// Tools call from any thread, make and destroy instances on different ones, and open the module more than once; their
+/// own OpenGL contexts stay current meanwhile.
+TEST(Frei0rModule, ThreadsWithContextsOfTheTool) {
+    constexpr int kThreads = 4, kRounds = 12;
+    const Module outer;
+    std::array<std::unique_ptr<Instance>, kThreads> handed;
+    std::barrier step(kThreads);
+    std::vector<std::jthread> threads;
+    threads.reserve(kThreads);
+    for (int thread = 0; thread < kThreads; ++thread)
+        threads.emplace_back([&, thread] {
+            const HostContext context(thread % 2 ? EGL_OPENGL_API : EGL_OPENGL_ES_API);
+            std::mt19937 random(static_cast<unsigned>(thread));
+            for (int round = 0; round < kRounds; ++round) {
+                const Module again;
+                const double contrast = 0.01 * static_cast<double>(random() % 300);
+                const int width = 1 + static_cast<int>(random() % 90);
+                auto& mine = handed[static_cast<std::size_t>(thread)];
+                mine = std::make_unique<Instance>(outer, width, 11, contrast, 5.0);
+                EXPECT_TRUE(context.isUntouched());
+                mine->expectRight(static_cast<unsigned>(round), contrast, 5.0);
+                EXPECT_TRUE(context.isUntouched());
+                step.arrive_and_wait();
+                handed[static_cast<std::size_t>((thread + 1) % kThreads)].reset();
+                EXPECT_TRUE(context.isUntouched());
+                step.arrive_and_wait();
+            }
+        });
+}
+
+/// The last instance takes OpenGL down with it where the tool has closed the module; the next one sets it up anew.
+TEST(Frei0rModule, ComesAndGoes) {
+    for (unsigned round = 0; round < 5; ++round) {
+        const Module module;
+        Instance instance(module, 9, 6, 1.2, 1.0);
+        module.deinit();
+        instance.expectRight(round, 1.2, 1.0);
+    }
+}
+
+TEST(Frei0rModule, LeavesStandardOutputToTheTool) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    {
+        const Module module;
+        Instance(module, 9, 6, 1.2, 1.0).expectRight(3, 1.2, 1.0);
+        std::cout << "the tool's own" << std::endl;
+    }
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("OpenGL Renderer"), std::string::npos);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "the tool's own\n");
+}
+
+} // namespace
+} // namespace Ombrique::Tests
