@@ -26,9 +26,12 @@ void requireReadable(const std::filesystem::path& path) {
         throw Failure(path.string() + ": can't be read: " + std::generic_category().message(error));
 }
 
+/// Values are never negative where they are rounded, so that adding this and cutting off does it.
+constexpr float kHalf = 0.5f;
+
 /// From 0 to 1 into 8 bits, rounded; what isn't a number becomes 0.
 std::uint8_t quantised(float value) {
-    return static_cast<std::uint8_t>((value > 0.0f ? std::min(value, 1.0f) : 0.0f) * 255.0f + 0.5f);
+    return static_cast<std::uint8_t>((value > 0.0f ? std::min(value, 1.0f) : 0.0f) * 255.0f + kHalf);
 }
 
 /// Where in a pixel of samples the plug-in's channels stand; alpha is -1 for an opaque picture.

@@ -65,7 +65,7 @@ public:
     }
 
     std::vector<std::uint8_t> pack(const World& pixels, const Window& data, const Window& wanted) const {
-        const auto pixelBytes = static_cast<std::size_t>((mIsGrey ? 1 : 3) + (mWithAlpha ? 1 : 0));
+        const std::size_t pixelBytes = (mIsGrey ? std::size_t{1} : std::size_t{3}) + (mWithAlpha ? 1 : 0);
         const auto rowBytes = static_cast<std::size_t>(wanted.width) * pixelBytes;
         std::vector<std::uint8_t> samples(rowBytes * static_cast<std::size_t>(wanted.height));
         const int left = std::max(data.x, wanted.x);
@@ -94,7 +94,8 @@ private:
         return to;
     }
     std::uint8_t weighted(std::uint8_t colour, std::uint8_t alpha) const {
-        return static_cast<std::uint8_t>(static_cast<float>(colour) * mWeights[alpha] + 0.5f);
+        constexpr float kHalf = 0.5f; // rounds what isn't negative, once it is cut off
+        return static_cast<std::uint8_t>(static_cast<float>(colour) * mWeights[alpha] + kHalf);
     }
 
     std::array<float, 256> mWeights{};
