@@ -123,8 +123,10 @@ TEST(Frei0rModule, ParametersMapOntoTheDeclaredRangesAndHoldFromTheNextFrame) {
     EXPECT_DOUBLE_EQ(instance.position(1), 0.56);
     instance.expectRight(1, 1.4, 12.0);
     instance.setPosition(0, -0.5); // beyond the ends
-    instance.setPosition(1, 7.0);
-    instance.expectRight(2, 0.0, 100.0);
+    instance.expectRight(2, 0.0, 12.0);
+    instance.set(10.0, 0.0);
+    instance.setPosition(1, 1.4);
+    instance.expectRight(2, 10.0, 100.0);
     instance.set(2.5, -30.0);
     instance.setPosition(0, std::numeric_limits<double>::quiet_NaN()); // ignored, as are the next two
     instance.setPosition(2, 0.5);

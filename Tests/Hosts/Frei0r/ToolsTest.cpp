@@ -105,6 +105,14 @@ TEST_F(Frei0rTools, FfmpegFromAndToALosslessFile) {
     expectRight(clip, always);
 }
 
+TEST_F(Frei0rTools, FfmpegWithParametersThatChange) {
+    const Clip clip(32, 7, 6, 350);
+    write(clip);
+    succeed(rawInput(clip) + "-vf \"sendcmd=c='0.1 frei0r filter_params 0.3|0.4'\"," + kFilter +
+            " -f rawvideo -pix_fmt rgba out.rgba");
+    expectRight(clip, [](int frame) { return frame / 25.0 < 0.1 ? kSetting : Setting{3.0, -20.0}; });
+}
+
 TEST_F(Frei0rTools, FfmpegWithTwoInstancesInOneGraph) {
     Clip clip(64, 33, 6, 400);
     write(clip);
