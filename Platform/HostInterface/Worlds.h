@@ -41,7 +41,8 @@ enum : int {
 struct PF_LayerDef {
     /// The first pixel of the first row. A plug-in reaches it through PF_GET_PIXEL_DATA8 and PF_GET_PIXEL_DATA16.
     void* data;
-    /// From the start of one row to the start of the next, in bytes; at least a row of pixels.
+    /// From the start of one row to the start of the next, in bytes; at least a row of pixels, and negative where the
+    /// rows run upwards in memory.
     std::int32_t rowbytes;
     std::int32_t width;
     std::int32_t height;

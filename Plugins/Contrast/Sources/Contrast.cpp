@@ -61,8 +61,7 @@ void UnionRect(const PF_LRect* src, PF_LRect* dest) {
 
 PF_Err about(PF_InData* in_data, PF_OutData* out_data) {
     const SuiteScoper<PF_ANSICallbacksSuite1> ansi(in_data, "PF ANSI Suite", 1, nullptr, nullptr);
-    ansi->sprintf(out_data->return_msg, "%s v%d.%d\r%s", kEffectName, kMajorVersion, kMinorVersion,
-                         kEffectDescription);
+    ansi->sprintf(out_data->return_msg, "%s v%d.%d\r%s", kEffectName, kMajorVersion, kMinorVersion, kEffectDescription);
     return PF_Err_NONE;
 }
 
@@ -188,6 +187,15 @@ void makeRenderContextCurrent() {
     context->makeContextCurrent();
 }
 
+/// Refuses a picture that the driver can't hold. It would come out as whatever the memory held.
+void requireSize(const PF_LayerDef& world) {
+    gl::GLint most = 0;
+    gl::glGetIntegerv(gl::GL_MAX_TEXTURE_SIZE, &most);
+    if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most) {
+        refuse();
+    }
+}
+
 /// Uploads the input, corrects it and leaves the finished picture bound for reading.
 void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsigned long& pixelSize,
                gl::GLenum& glType) {
@@ -208,6 +216,7 @@ PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) 
     std::unique_lock lock(frameLock);
     requireSetup();
     makeRenderContextCurrent();
+    requireSize(*input);
 
     AEOpenglMainFrameBuffer* const frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
     frameBuffer->prepare(input->width, input->height, true);

@@ -12,12 +12,19 @@
 /// effect's own stays current on that thread. Whatever a command opened at the host it has closed again.
 ///
 /// Results, beside the errors of the host's callbacks, which are passed on: PF_Err_BAD_CALLBACK_PARAM for all that the
-/// effect itself can't do (a missing suite, no OpenGL, a frame before global setup or after global setdown),
-/// PF_Err_OUT_OF_MEMORY when memory ran out, PF_Err_INTERNAL_STRUCT_DAMAGED for anything unforeseen. No exception
-/// passes.
+/// effect itself can't do (a missing suite, a handle that the host can't make, no OpenGL, an input larger than the
+/// driver's largest texture, a frame before global setup or after global setdown), PF_Err_OUT_OF_MEMORY when the effect
+/// ran out of memory, PF_Err_INTERNAL_STRUCT_DAMAGED for anything unforeseen. No exception passes. After each of them
+/// the next frame is as good as any. Global setup of an effect that is set up, and global setdown of one that isn't, do
+/// nothing and succeed.
 ///
-/// A frame whose output world is null is done at once. A null input world gives transparent black. Where the output is
-/// larger than the input, the rest of it becomes transparent black.
+/// Worlds: a frame whose output is null is done at once; a null input gives transparent black; where the output is
+/// larger than the input, the rest of it becomes transparent black, all of it where the input has no pixels. Both may
+/// be one world. Rows may be padded or run upwards; see AEOpenGLUtilities for row bytes that split a pixel.
+///
+/// Sliders are taken as they are, beyond their ranges, too: the shader computes in IEEE single precision and the 8-bit
+/// targets clamp, so that an infinite contrast parts the colours at mid grey. What becomes of a colour that isn't a
+/// number is the driver's choice, Mesa's is 0; alpha stays as it is.
 extern "C" __attribute__((visibility("default"))) PF_Err EntryPointFunc(PF_Cmd cmd, PF_InData* in_data,
                                                                         PF_OutData* out_data, PF_ParamDef* params[],
                                                                         PF_LayerDef* output, void* extra);

@@ -57,10 +57,23 @@ void setFilters(bool mipmap) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
+/// The distance in pixels of row `y` from the first one, rounded down.
+template <typename Depth> std::ptrdiff_t rowOffset(const PF_LayerDef& world, std::int32_t y) {
+    return (std::ptrdiff_t{y} * world.rowbytes) >> Depth::kPixelSizeShift;
+}
+
 /// Fills the bound texture from pixels whose rows are `rowLength` pixels apart.
 void fillTexture(const PF_LayerDef& world, int rowLength, GLenum type, const void* pixels) {
     glPixelStorei(GL_UNPACK_ROW_LENGTH, rowLength);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, world.width, world.height, GL_RGBA, type, pixels);
+}
+
+/// The same for rows that run upwards in memory, for which OpenGL has no row length.
+template <typename Depth> void fillTextureUpwards(const PF_LayerDef& world, const typename Depth::Pixel* pixels) {
+    for (std::int32_t y = 0; y < world.height; ++y) {
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, world.width, 1, GL_RGBA, Depth::kType,
+                        pixels + rowOffset<Depth>(world, y));
+    }
 }
 
 /// The host's memory goes to OpenGL as it is.
@@ -69,7 +82,12 @@ void uploadPixels(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSi
     glType = Depth::kType;
     pixelSize = sizeof(typename Depth::Pixel);
     multiplier = Depth::kMultiplier;
-    fillTexture(*input, input->rowbytes >> Depth::kPixelSizeShift, glType, pixelStart<Depth>(in_data, input));
+    const typename Depth::Pixel* const pixels = pixelStart<Depth>(in_data, input);
+    if (input->rowbytes < 0) {
+        fillTextureUpwards<Depth>(*input, pixels);
+    } else {
+        fillTexture(*input, input->rowbytes >> Depth::kPixelSizeShift, glType, pixels);
+    }
 }
 
 /// Runs `callback` over `source` and `destination`, and throws the host's error.
@@ -97,8 +115,7 @@ void downloadPixels(PF_InData* in_data, PF_LayerDef* output, const void* picture
     using Pixel = typename Depth::Pixel;
     const auto* source = static_cast<const Pixel*>(picture);
     for (std::int32_t y = 0; y < output->height; ++y) {
-        const std::ptrdiff_t rowOffset = std::ptrdiff_t{y} * output->rowbytes;
-        Pixel* row = pixelStart<Depth>(in_data, output) + (rowOffset >> Depth::kPixelSizeShift);
+        Pixel* row = pixelStart<Depth>(in_data, output) + rowOffset<Depth>(*output, y);
         const bool covered = static_cast<unsigned>(y) < height;
         std::int64_t columns = 0;
         if (covered) {
