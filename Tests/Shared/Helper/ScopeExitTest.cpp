@@ -1,7 +1,6 @@
 #include "Plugins/Shared/Helper/ScopeExit.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <string>
 
 namespace Ombrique::GaussianBlur {
@@ -11,7 +10,7 @@ TEST(ScopeExit, RunsOnceInReverseOrderOnEveryWayOut) {
     std::string log;
     const auto leave = [&log](bool byException) {
         const ScopeExit first([&log] { log += '1'; });
-        const ScopeExit second([&log, owned = std::make_unique<char>('2')] { log += *owned; });
+        const ScopeExit second([&log] { log += '2'; });
         ScopeExit dismissed([&log] { log += 'x'; });
         dismissed.dismiss();
         if (byException)

@@ -91,7 +91,8 @@ TEST_F(SuiteScoperTest, ThrowsOnARefusalAndReleasesOnlyWhatItHeld) {
     EXPECT_EQ((Log{"+Held 1", "+Refused 1", "-Held 1"}), desk.log);
     desk.refused = 3;
     expectThirteen([&] { const SuiteScoper<Suite> refused(&mBasicSuite, "Refused", 1); });
-    expectThirteen([&] { const SuiteScoper<Suite> noDesk(static_cast<SPBasicSuite*>(nullptr), "Refused", 1); });
+    mIn.pica_basicP = nullptr;
+    expectThirteen([&] { const SuiteScoper<Suite> noDesk(&mIn, "Refused", 1); });
     EXPECT_EQ(4U, desk.log.size());
 }
 
