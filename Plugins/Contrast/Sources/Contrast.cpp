@@ -189,8 +189,11 @@ void makeRenderContextCurrent() {
 
 /// Refuses a picture that the driver can't hold. It would come out as whatever the memory held.
 void requireSize(const PF_LayerDef& world) {
-    gl::GLint most = 0;
-    gl::glGetIntegerv(gl::GL_MAX_TEXTURE_SIZE, &most);
+    static const gl::GLint most = [] {
+        gl::GLint size = 0;
+        gl::glGetIntegerv(gl::GL_MAX_TEXTURE_SIZE, &size);
+        return size;
+    }();
     if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most) {
         refuse();
     }
