@@ -10,10 +10,11 @@
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <functional>
 #include <random>
 
 using namespace Ombrique::GaussianBlur;
@@ -34,14 +35,11 @@ template <typename Quaternion, typename Vector> struct Parts {
 /// A value as the doubles of which it consists. The three libraries store matrices by column and quaternions as
 /// x, y, z, w; only affine transforms of the plane differ, and are told here by column, without a last row.
 template <typename Value> std::vector<double> doubles(const Value& value) {
-    std::vector<double> result(sizeof(Value) / sizeof(double));
-    std::memcpy(result.data(), &value, sizeof(Value));
-    return result;
+    return {reinterpret_cast<const double*>(&value), reinterpret_cast<const double*>(&value + 1)};
 }
 /// A quaternion and its negative are the same rotation, and the libraries choose differently.
 template <typename Quaternion, typename Vector> std::vector<double> doubles(const Parts<Quaternion, Vector>& parts) {
-    std::vector<double> result(sizeof parts / sizeof(double));
-    std::memcpy(result.data(), &parts, sizeof parts);
+    std::vector<double> result(reinterpret_cast<const double*>(&parts), reinterpret_cast<const double*>(&parts + 1));
     if (result[3] < 0.0)
         std::transform(result.begin(), result.begin() + 4, result.begin(), std::negate<>());
     return result;
@@ -55,7 +53,7 @@ template <typename Value> Value from(const std::vector<double>& numbers) {
     if constexpr (std::is_same_v<Value, GlmAffine>)
         value = GlmAffine(numbers[0], numbers[1], 0, numbers[2], numbers[3], 0, numbers[4], numbers[5], 1);
     else
-        std::memcpy(static_cast<void*>(&value), numbers.data(), sizeof(Value));
+        std::copy(numbers.begin(), numbers.end(), reinterpret_cast<double*>(&value));
     return value;
 }
 
@@ -151,11 +149,11 @@ void compareMatrices() {
     compare<Mat4, glm::dmat4, Eigen::Matrix4d>(
         "matrix * matrix", [](std::size_t i, auto& r) { Mat4::mult(a.ours[i], b.ours[i], r); },
         [](std::size_t i, auto& r) { r = a.glm[i] * b.glm[i]; },
-        [](std::size_t i, auto& r) { r.noalias() = a.eigen[i] * b.eigen[i]; });
+        [](std::size_t i, auto& r) { r = a.eigen[i] * b.eigen[i]; });
     compare<Vec4, glm::dvec4, Eigen::Vector4d>(
         "matrix * vector", [](std::size_t i, auto& r) { r = a.ours[i] * v.ours[i]; },
         [](std::size_t i, auto& r) { r = a.glm[i] * v.glm[i]; },
-        [](std::size_t i, auto& r) { r.noalias() = a.eigen[i] * v.eigen[i]; });
+        [](std::size_t i, auto& r) { r = a.eigen[i] * v.eigen[i]; });
     compare<Mat4, glm::dmat4, Eigen::Matrix4d>(
         "matrix inverse", [](std::size_t i, auto& r) { a.ours[i].getInverse(r); },
         [](std::size_t i, auto& r) { r = glm::inverse(a.glm[i]); },

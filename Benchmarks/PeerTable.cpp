@@ -6,6 +6,8 @@
 namespace {
 
 double median(std::vector<double> numbers) {
+    if (numbers.empty())
+        return std::numeric_limits<double>::quiet_NaN();
     const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
     std::nth_element(numbers.begin(), middle, numbers.end());
     return *middle;
@@ -24,9 +26,8 @@ void PeerTable::ReportRuns(const std::vector<Run>& runs) {
             continue;
         const std::string& name = run.run_name.function_name;
         const auto slash = name.find('/');
-        // The contenders are registered one after the other, each as a family of its own.
-        Operation& operation = mOperations[run.family_index / static_cast<std::int64_t>(mContenders.size())];
-        operation.name = name.substr(0, slash);
+        Operation& operation = mOperations[name.substr(0, slash)];
+        operation.firstFamily = std::min(operation.firstFamily, run.family_index);
         const double seconds = run.cpu_accumulated_time / static_cast<double>(run.iterations);
         operation.times[name.substr(slash + 1)].push_back(seconds * 1e9 / static_cast<double>(mItemsPerIteration));
     }
@@ -39,8 +40,11 @@ void PeerTable::Finalize() {
         out << std::setw(10) << contender;
     out << std::setw(16) << "over the faster" << '\n' << std::fixed;
 
-    for (auto& [number, operation] : mOperations) {
-        out << std::left << std::setw(28) << operation.name << std::right << std::setprecision(2);
+    std::vector<std::pair<std::string, Operation>> operations(mOperations.begin(), mOperations.end());
+    std::sort(operations.begin(), operations.end(),
+              [](const auto& a, const auto& b) { return a.second.firstFamily < b.second.firstFamily; });
+    for (auto& [name, operation] : operations) {
+        out << std::left << std::setw(28) << name << std::right << std::setprecision(2);
         std::vector<double> medians;
         for (const std::string& contender : mContenders) {
             medians.push_back(median(operation.times[contender]));

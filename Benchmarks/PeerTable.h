@@ -2,13 +2,15 @@
 
 #include <benchmark/benchmark.h>
 
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
 
 /// Collects benchmarks named "operation/contender", each of whose iterations handles `itemsPerIteration` items, and
 /// prints at the end, for each operation, every contender's median nanoseconds of CPU time an item, and the first
-/// contender's over that of the fastest other.
+/// contender's over that of the fastest other;
+/// nan stands for one that wasn't run.
 class PeerTable : public benchmark::BenchmarkReporter {
 public:
     PeerTable(std::vector<std::string> contenders, std::size_t itemsPerIteration)
@@ -22,11 +24,10 @@ private:
     std::vector<std::string> mContenders;
     std::size_t mItemsPerIteration;
     struct Operation {
-        std::string name;
+        /// The lowest number of its benchmarks: the runs come in any order, the numbers follow that of registration.
+        std::int64_t firstFamily = std::numeric_limits<std::int64_t>::max();
         /// Nanoseconds an item of each repetition, by contender.
         std::map<std::string, std::vector<double>> times;
     };
-    /// By the number of the operation's family of benchmarks, which is the order of registration; the runs come in
-    /// another.
-    std::map<std::int64_t, Operation> mOperations;
+    std::map<std::string, Operation> mOperations;
 };

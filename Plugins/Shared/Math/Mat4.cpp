@@ -1,7 +1,6 @@
 #include "Plugins/Shared/Math/Mat4.h"
 
 #include <functional>
-#include <tuple>
 
 namespace Ombrique::GaussianBlur {
 
@@ -10,7 +9,8 @@ namespace {
 /// setLookAt's nudge of a view direction that is parallel to up: 0.0001 in single precision.
 constexpr double kLookAtNudge = 0.0001F;
 
-/// Two doubles that the processor works on side by side; each lane gives what a double would, to the last bit.
+/// Two doubles that the processor works on side by side, for the inverse, whose pairs compilers don't find by
+/// themselves. Each lane gives what a double would, to the last bit.
 using Pair = double __attribute__((vector_size(16)));
 
 Pair loadPair(const double* p) { return Pair{p[0], p[1]}; }
@@ -29,19 +29,19 @@ struct Minors {
     Pair m01, m02, m03, m12, m13, m23;
 
     explicit Minors(const double* m) {
-        const Pair upper0 = firsts(loadPair(m), loadPair(m + 2)), lower0 = seconds(loadPair(m), loadPair(m + 2));
-        const Pair upper1 = firsts(loadPair(m + 4), loadPair(m + 6)),
-                   lower1 = seconds(loadPair(m + 4), loadPair(m + 6));
-        const Pair upper2 = firsts(loadPair(m + 8), loadPair(m + 10)),
-                   lower2 = seconds(loadPair(m + 8), loadPair(m + 10));
-        const Pair upper3 = firsts(loadPair(m + 12), loadPair(m + 14)),
-                   lower3 = seconds(loadPair(m + 12), loadPair(m + 14));
-        m01 = upper0 * lower1 - upper1 * lower0;
-        m02 = upper0 * lower2 - upper2 * lower0;
-        m03 = upper0 * lower3 - upper3 * lower0;
-        m12 = upper1 * lower2 - upper2 * lower1;
-        m13 = upper1 * lower3 - upper3 * lower1;
-        m23 = upper2 * lower3 - upper3 * lower2;
+        Pair upper[4], lower[4];
+        for (int column = 0; column < 4; ++column) {
+            const Pair rows01 = loadPair(m + 4 * column), rows23 = loadPair(m + 4 * column + 2);
+            upper[column] = firsts(rows01, rows23);
+            lower[column] = seconds(rows01, rows23);
+        }
+        const auto minor = [&](int left, int right) { return upper[left] * lower[right] - upper[right] * lower[left]; };
+        m01 = minor(0, 1);
+        m02 = minor(0, 2);
+        m03 = minor(0, 3);
+        m12 = minor(1, 2);
+        m13 = minor(1, 3);
+        m23 = minor(2, 3);
     }
 };
 
@@ -169,7 +169,7 @@ void Mat4::setZRotation(double a) {
 void Mat4::setRotation(double a, Vec3 const& axis) {
     Vec3 unit = axis;
     unit.normalize();
-    const auto [x, y, z] = std::tuple(unit.x, unit.y, unit.z);
+    const double x = unit.x, y = unit.y, z = unit.z;
     const double s = std::sin(a);
     const double c = std::cos(a);
     const double t = 1.0 - c;

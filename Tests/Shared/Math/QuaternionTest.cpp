@@ -68,6 +68,7 @@ TEST(Quaternion, DirectionsTurnOntoEachOther) {
     expectValues(Quaternion(Vec3(1, 0, 0), Vec3(-1, 0, 0)), {0, 1, 0, 0});
     expectValues(Quaternion(Vec3(0, 0, 1), Vec3(0, 0, -1)), {0, -1, 0, 0});
     expectValues(Quaternion(Vec3(0, 1, 0), Vec3(0, -1, 0)), {0, 0, 1, 0});
+    expectValues(Quaternion(Vec3(1, 0, 0), Vec3(-1 + 5e-13, 1e-6, 0)), {0, 1, 0, 0});
     expectValues(Quaternion(Vec3(), Vec3()), {0, 0, 0, 1});
 }
 
@@ -95,6 +96,7 @@ TEST(Quaternion, SlerpFollowsTheShorterArc) {
     check(identity, far, 1.0, far); // the end keeps its sign
     check(identity, far, 0.0, identity);
     check(q, negative, 0.5, q);
+    check(Quaternion(2, 0, 0, 0), Quaternion(0.5, 0.5, 0, 0), 0.5, Quaternion(2, 0, 0, 0)); // a product of 1 or more
     check(identity, close, 0.9, Quaternion(s * 0.5, 0, 0, (1 + c) * 0.5)); // close ones have a plain mean
     check(Quaternion(3, 0, 0, 4), Quaternion(3, 0, 0, 4), 7.0, Quaternion(3, 0, 0, 4));
     Quaternion beyond;

@@ -29,9 +29,9 @@ double& angle(Euler& euler, char axis) { return axis == 'x' ? euler.x : axis == 
 
 TEST(RotationConversions, QuaternionsAndMatricesStandForTheSameRotation) {
     Random random;
-    // The last four have a trace of 0 or less, with the largest diagonal element in each place.
+    // Traces of 0 or less, with the largest diagonal element in each place, once by very little.
     std::vector<Quaternion> samples = {Quaternion(1, 0, 0, 0), Quaternion(0, 1, 0, 0), Quaternion(0, 0, 1, 0),
-                                       Quaternion(0.5, 0.5, 0.5, 0.5)};
+                                       Quaternion(0.5, 0.5, 0.5, 0.5), Quaternion(1e-6, 0, std::sqrt(1 - 1e-12), 0)};
     for (int i = 0; i < 40; ++i)
         samples.push_back(random.unitQuaternion());
     for (const Quaternion& q : samples) {

@@ -106,7 +106,7 @@ TEST(Vec2, IntersectClassifiesTheMeeting) {
         EXPECT_EQ(v, expectedV);
     };
     check(Vec2(2, 2), Vec2(0, 2), Vec2(2, 0), 1, Vec2(1, 1), 0.5, 0.5);
-    check(Vec2(2, 0), Vec2(2, -1), Vec2(2, 3), 1, Vec2(2, 0), 1.0, 0.25); // at an end
+    check(Vec2(2, 0), Vec2(2, -4), Vec2(2, 0), 1, Vec2(2, 0), 1.0, 1.0); // the ends belong to the segments
     check(Vec2(2, 0), Vec2(4, -1), Vec2(4, 3), 3, Vec2(4, 0), 2.0, 0.25);
     check(Vec2(4, 0), Vec2(1, 1), Vec2(1, 2), 4, Vec2(1, 0), 0.25, -1.0);
     check(Vec2(1, 0), Vec2(-1, 1), Vec2(-1, 2), 5, Vec2(-1, 0), -1.0, -1.0);

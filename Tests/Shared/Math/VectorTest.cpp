@@ -116,6 +116,8 @@ TEST(Vec4, LerpWalksTheShorterArc) {
     check(x, Vec4(-1, 0.1, 0, 0), 0.5, Vec4(1, -0.05, 0, 0) / std::hypot(1, 0.05), 1e-15);
     check(x, x.negate(), 0.5, x, 0.0);
     check(x, y, 2.0, x.negate(), 1e-6);
+    const double cosine = 1.0 - 0.0099999999, angle = std::acos(cosine); // the bound of the chord in single precision
+    check(x, Vec4(cosine, std::sin(angle), 0, 0), 0.3, Vec4(std::cos(0.3 * angle), std::sin(0.3 * angle), 0, 0), 1e-7);
     // To the last bit, worked out step by step with the single-precision functions of the C library.
     check(Vec4(1, 2, 3, 4), Vec4(4, -1, 2, 0.5), 0.3,
           Vec4(0.43379959500798165, 0.230355235574424, 0.593349946755568, 0.6377226807159422), 0.0);
