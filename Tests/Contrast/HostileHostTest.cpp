@@ -2,6 +2,7 @@
 #include "Tests/Support/OpenGLObjects.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -170,6 +171,26 @@ TEST_F(HostileHost, ASecondCopyOfTheBundle) {
         }
     }
     std::filesystem::remove_all(copy);
+}
+
+/// Where the driver gives no context, set-up is refused, and so is each frame that is sent all the same.
+TEST(HostileDriverDeathTest, GivesNoContext) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process of its own, which hasn't loaded a driver yet
+    const auto refuses = [](const char* variable, const char* value) {
+        setenv(variable, value, 1);
+        const PluginBundle bundle(OMBRIQUE_TEST_BUNDLE);
+        Effect effect(bundle);
+        World input = makePicture(5, 3, 2);
+        World output(5, 3);
+        const CommandResult setUp = effect.setUp();
+        const FrameResult frame = effect.render({.input = &input, .output = &output});
+        return setUp.error == 516 && frame.error == 516 && setUp.findings.empty() && frame.findings.empty() &&
+               comparePixels(World(5, 3), output).empty();
+    };
+    for (const auto& [variable, value] : {std::pair{"__EGL_VENDOR_LIBRARY_FILENAMES", "/nowhere.json"},
+                                          {"MESA_GL_VERSION_OVERRIDE", "3.1"},
+                                          {"MESA_GLSL_VERSION_OVERRIDE", "150"}})
+        EXPECT_EXIT(std::exit(refuses(variable, value) ? 0 : 1), testing::ExitedWithCode(0), "") << variable;
 }
 
 } // namespace

@@ -60,6 +60,15 @@ TEST(Threads, FramesThatOverlap) {
     }
 }
 
+/// Threads end, and new ones take over, while another stays: contexts of ended threads stay behind, and disturb nobody.
+TEST(Threads, ThatEndAndTakeOver) {
+    const EffectHarness harness;
+    for (unsigned thread = 0; thread < 24; ++thread) {
+        std::jthread([&] { EXPECT_EQ(renderOne(harness.effect, thread), ""); }).join();
+        EXPECT_EQ(renderOne(harness.effect, 100 + thread), "");
+    }
+}
+
 /// Threads that rendered before a setdown render again after the next setup, and so do threads that come and go.
 TEST(Threads, OutliveASetdown) {
     EffectHarness harness;

@@ -12,10 +12,10 @@ template <typename Function> Function* openGLFunction(const char* name) {
     return reinterpret_cast<Function*>(eglGetProcAddress(name));
 }
 
-/// How many objects of each kind the calling thread's current context knows, by names up to 1000. Where a host has no
-/// context, that is the effect's own after a frame, so that a leak of the effect's shows from outside.
+/// How many objects of each kind the calling thread's current context knows. Where a host has no context, that is the
+/// effect's own after a frame, so that a leak of the effect's shows from outside.
 inline std::map<std::string, int> countOpenGLObjects() {
-    constexpr unsigned kMostNames = 1000;
+    constexpr unsigned kMostNames = 200'000; // a driver may count on and on
     std::map<std::string, int> counts;
     for (const char* kind : {"Texture", "Renderbuffer", "Framebuffer", "Buffer", "VertexArray", "Program", "Shader"}) {
         auto* const exists = openGLFunction<unsigned char(unsigned)>((std::string("glIs") + kind).c_str());

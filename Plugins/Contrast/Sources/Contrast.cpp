@@ -128,14 +128,15 @@ PF_Err globalSetup(PF_OutData* out_data) {
     if (AEOpenGLContextManager::getSharedDataContext() != nullptr) {
         return PF_Err_NONE;
     }
+    // First, since the shared data context is what tells that the effect is set up.
+    if (mWarpRender == nullptr) {
+        mWarpRender = new ContrastRender;
+    }
     const HostContext hostContext;
     AEOpenGLContextManager::setupContextManager();
     if (!AEOpenGLContextManager::getSharedDataContext()->isValid()) {
         AEOpenGLContextManager::releaseContextManager();
         refuse();
-    }
-    if (mWarpRender == nullptr) {
-        mWarpRender = new ContrastRender;
     }
     return PF_Err_NONE;
 }

@@ -11,7 +11,14 @@ class AEOpenGLContext;
 
 /// Owner of all contexts of the plug-in: the shared data context, which is the root of the share group, and a render
 /// context for each thread that renders. A context outlives the thread that asked for it: all of them last until
-/// releaseContextManager. Set-up and release rely on the host's order: no frame is under way while they run.
+/// releaseContextManager.
+///
+/// So each thread that ever renders costs a context. With Mesa's software driver that is 5 MB, kept until the release,
+/// and 80 ms of CPU time at the thread's first frame, since the driver compiles programs of its own for each context; a
+/// frame of 16 by 16 pixels takes 0.5 ms from then on. Render on a few threads that stay, not on many that come and go.
+/// A thread whose context the platform refused keeps an invalid one until the release.
+///
+/// Set-up and release rely on the host's order: no frame is under way while they run.
 class AEOpenGLContextManager {
 public:
     AEOpenGLContextManager() = delete;

@@ -132,11 +132,14 @@ void AEOpenglMainFrameBuffer::createFrameBuffers() {
 }
 
 void AEOpenglMainFrameBuffer::deleteFrameBuffers() {
-    FrameBuffers& own = mFrameBuffers.current();
-    deleteFrameBuffer(own.mResolveFrameBuffer);
-    deleteFrameBuffer(own.mFrameBuffer);
-    deleteFrameBuffer(own.mMultisampleFrameBuffer);
-    own.mGeneration = 0;
+    FrameBuffers* const own = mFrameBuffers.find();
+    if (own == nullptr) {
+        return;
+    }
+    deleteFrameBuffer(own->mResolveFrameBuffer);
+    deleteFrameBuffer(own->mFrameBuffer);
+    deleteFrameBuffer(own->mMultisampleFrameBuffer);
+    own->mGeneration = 0;
 }
 
 unsigned AEOpenglMainFrameBuffer::workingFrameBuffer() {

@@ -40,9 +40,8 @@ const float* offset(int floats) {
 } // namespace
 
 FullTargetQuad::~FullTargetQuad() {
-    if (unsigned& vertexArray = mVertexArray.current(); vertexArray != 0) {
-        glDeleteVertexArrays(1, &vertexArray);
-        vertexArray = 0;
+    if (const unsigned* const vertexArray = mVertexArray.find(); vertexArray && *vertexArray != 0) {
+        glDeleteVertexArrays(1, vertexArray);
     }
     if (mVertexBuffer != 0) {
         glDeleteBuffers(1, &mVertexBuffer);

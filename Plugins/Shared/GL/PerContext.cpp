@@ -20,6 +20,12 @@ LivingTables& livingTables() {
     return living;
 }
 
+CGLContextObj currentContext() {
+    const CGLContextObj context = CGLGetCurrentContext();
+    assert(context != nullptr && "a value for the current context where none is current");
+    return context;
+}
+
 } // namespace
 
 PerContextTable::PerContextTable() {
@@ -42,13 +48,19 @@ void PerContextTable::dropContext(const CGLContextObj& context) {
 }
 
 void* PerContextTable::current(std::shared_ptr<void> (*make)()) {
-    const CGLContextObj context = CGLGetCurrentContext();
-    assert(context != nullptr && "a value for the current context where none is current");
+    const CGLContextObj context = currentContext();
     const std::lock_guard lock(livingTables().mutex);
     std::shared_ptr<void>& value = mValues[context];
     if (!value)
         value = make();
     return value.get();
+}
+
+void* PerContextTable::find() const {
+    const CGLContextObj context = currentContext();
+    const std::lock_guard lock(livingTables().mutex);
+    const auto value = mValues.find(context);
+    return value == mValues.end() ? nullptr : value->second.get();
 }
 
 } // namespace Ombrique::GaussianBlur

@@ -24,6 +24,8 @@ protected:
 
     /// The value for the calling thread's current context, made by `make` when there is none yet.
     void* current(std::shared_ptr<void> (*make)());
+    /// The same, null when there is none yet.
+    void* find() const;
 
 private:
     std::map<CGLContextObj, std::shared_ptr<void>> mValues;
@@ -42,6 +44,8 @@ public:
         return *static_cast<T*>(
             PerContextTable::current([]() -> std::shared_ptr<void> { return std::make_shared<T>(); }));
     }
+    /// The same value where it has been asked for before, else null. It allocates nothing, so that clean-up can't fail.
+    T* find() const { return static_cast<T*>(PerContextTable::find()); }
 };
 
 } // namespace Ombrique::GaussianBlur
