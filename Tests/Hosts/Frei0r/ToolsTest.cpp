@@ -181,7 +181,7 @@ TEST_F(Frei0rTools, WithoutOpenGLOrWithoutABundleTheToolFails) {
     setenv("OMBRIQUE_PLUGIN_PATH", "/nowhere", 1);
     EXPECT_NE(run(command), 0);
     EXPECT_EQ(errors.rfind("ombrique_contrast: /nowhere: no such plug-in bundle\n", 0), 0U) << errors;
-    run("melt -silent color:red out=1 -filter frei0r.ombrique_contrast -consumer null terminate_on_pause=1");
+    run("melt -silent color:red out=1 -filter frei0r.ombrique_contrast -consumer avformat:out.mov an=1");
     unsetenv("OMBRIQUE_PLUGIN_PATH");
     EXPECT_NE(errors.find("ombrique_contrast: /nowhere"), std::string::npos) << errors;
 }
