@@ -65,7 +65,14 @@ NSOpenGLContext* NSOpenGLContext::initWithFormat(const NSOpenGLPixelFormat* form
         return nullptr;
     const EGLContext share = shareContext ? shareContext->mObject.context : EGL_NO_CONTEXT;
     const ::CGLContextObj object = createContext(renderDisplay(), format->mConfig, share);
-    return object != nullptr ? new NSOpenGLContext(object) : nullptr;
+    if (object == nullptr)
+        return nullptr;
+    try {
+        return new NSOpenGLContext(object);
+    } catch (...) {
+        destroyContext(object);
+        throw;
+    }
 }
 
 NSOpenGLContext* NSOpenGLContext::retainedContext(const void* handle) {

@@ -1,5 +1,7 @@
 #include "Plugins/Contrast/Sources/ContrastRender.h"
 
+#include <memory>
+
 namespace Ombrique::GaussianBlur {
 
 namespace {
@@ -27,8 +29,10 @@ constexpr const char* kFragmentSource =
 
 } // namespace
 
-ContrastRender::ContrastRender() : mShader(new OpenglShader(kVertexSource, kFragmentSource)), mQuad(2) {
-    FullTargetQuad::bindAttributes(*mShader);
+ContrastRender::ContrastRender() : mQuad(2) {
+    auto shader = std::make_unique<OpenglShader>(kVertexSource, kFragmentSource);
+    FullTargetQuad::bindAttributes(*shader);
+    mShader = shader.release();
 }
 
 ContrastRender::~ContrastRender() { delete mShader; }

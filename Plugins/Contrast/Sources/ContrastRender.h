@@ -33,7 +33,7 @@ public:
     void draw(unsigned int texture, float multiplier);
 
 private:
-    OpenglShader* mShader;
+    OpenglShader* mShader = nullptr;
     FullTargetQuad mQuad;
     float mContrast = 1.0F;
     float mBrightness = 0.0F;

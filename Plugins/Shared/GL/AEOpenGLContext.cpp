@@ -5,6 +5,7 @@
 #include "Platform/OpenGL/NSOpenGLContext.h"
 #include "Platform/OpenGL/NSOpenGLPixelFormat.h"
 #include "Plugins/Shared/GL/PerContext.h"
+#include "Plugins/Shared/Helper/ScopeExit.h"
 
 #include <glbinding/Binding.h>
 #include <glbinding/ContextInfo.h>
@@ -67,11 +68,13 @@ void AEOpenGLContext::makeContextCurrent() {
 
 NSOpenGLContext* AEOpenGLContext::createNSContext(NSOpenGLContext* shareContext, CGLContextObj& outContext) {
     const NSAutoreleasePool pool;
-    NSOpenGLPixelFormat* format = NSOpenGLPixelFormat::initWithAttributes(kPixelFormat);
-    NSOpenGLContext* context = NSOpenGLContext::initWithFormat(format, shareContext);
+    NSOpenGLPixelFormat* const format = NSOpenGLPixelFormat::initWithAttributes(kPixelFormat);
+    const ScopeExit releaseFormat([format] {
+        if (format)
+            format->release();
+    });
+    NSOpenGLContext* const context = NSOpenGLContext::initWithFormat(format, shareContext);
     outContext = context ? context->CGLContextObj() : nullptr;
-    if (format)
-        format->release();
     return context;
 }
 
