@@ -10,7 +10,9 @@
 
 namespace Ombrique::Hosts {
 
-/// What a picture's file said of itself, so that the corrected picture can be written as the same kind of picture.
+/// What a picture's file said of itself, so that the corrected picture can be written as the same kind of picture. The
+/// pixels themselves stand in a World of the size of the data window as the plug-in takes them: 8 bits a channel,
+/// straight alpha, opaque where the file has no alpha, all three colours alike where the file is grey.
 struct PictureOrigin {
     /// OpenImageIO's name of the format.
     std::string format;
@@ -24,13 +26,6 @@ struct PictureOrigin {
     int alpha = -1;
     /// What of the file doesn't come along, one line each, without the file's name. Empty for the usual picture.
     std::vector<std::string> losses;
-};
-
-/// A picture as the plug-in takes it: 8 bits a channel, straight alpha, opaque where the file has no alpha, all three
-/// colours alike where the file is grey. The world covers the file's data window.
-struct Picture {
-    PictureOrigin origin;
-    World pixels;
 };
 
 } // namespace Ombrique::Hosts

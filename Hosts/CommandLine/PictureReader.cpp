@@ -52,15 +52,22 @@ PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention
             quantised(samples[at.blue] * scale)};
 }
 
+/// Rows of the world, from `top` on, out of as many rows of samples.
 template <typename Sample>
-void fillWorld(World& world, const std::vector<Sample>& samples, int channels, const SampleOffsets& at,
-               AlphaConvention convention) {
-    const Sample* next = samples.data();
-    for (int y = 0; y < world.height(); ++y) {
+void fillRows(World& world, int top, int rows, const Sample* samples, int channels, const SampleOffsets& at,
+              AlphaConvention convention) {
+    for (int y = top; y < top + rows; ++y) {
         auto* row = reinterpret_cast<PF_Pixel8*>(world.row(y));
-        for (int x = 0; x < world.width(); ++x, next += channels)
-            row[x] = toPixel(next, at, convention);
+        for (int x = 0; x < world.width(); ++x, samples += channels)
+            row[x] = toPixel(samples, at, convention);
     }
+}
+
+/// So many rows are decoded at a time as stay in the processor's cache until they are pixels; all of a tiled picture.
+constexpr int kRowsAtATime = 64;
+
+AlphaConvention conventionOf(const PictureOrigin& origin) {
+    return alphaConvention(origin.format, origin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0);
 }
 
 int indexOfChannel(const OIIO::ImageSpec& spec, const char* lowerCaseName) {
@@ -130,37 +137,58 @@ void PictureReader::noteLosses() {
     static_cast<void>(mFile->geterror());
 }
 
-template <typename Sample> std::vector<Sample> PictureReader::readSamples(int firstChannel, int endChannel) {
+template <typename Sample>
+bool PictureReader::readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples) {
+    const OIIO::TypeDesc type = OIIO::BaseTypeFromC<Sample>::value;
+    const OIIO::ImageSpec& spec = mOrigin.spec;
+    if (spec.tile_width > 0)
+        return mFile->read_image(0, 0, firstChannel, endChannel, type, samples);
+    const int y = spec.y + top;
+    if (!spec.channelformats.empty())
+        return mFile->read_scanlines(0, 0, y, y + rows, 0, firstChannel, endChannel, type, samples);
+    // Asked to convert, OpenImageIO takes 64 MiB of memory for each call.
+    if (spec.format == type)
+        return mFile->read_native_scanlines(0, 0, y, y + rows, 0, firstChannel, endChannel, samples);
+    const int count = width() * rows * (endChannel - firstChannel);
+    mNative.resize(static_cast<std::size_t>(count) * spec.format.size());
+    return mFile->read_native_scanlines(0, 0, y, y + rows, 0, firstChannel, endChannel, mNative.data()) &&
+           OIIO::convert_types(spec.format, mNative.data(), type, samples, count);
+}
+
+template <typename Sample> void PictureReader::readAs(World& into, int firstChannel, int endChannel) {
     const QuietStandardError quiet;
-    std::vector<Sample> samples(static_cast<std::size_t>(mOrigin.spec.image_pixels()) *
-                                static_cast<std::size_t>(endChannel - firstChannel));
-    const bool isRead =
-        mFile->read_image(0, 0, firstChannel, endChannel, OIIO::BaseTypeFromC<Sample>::value, samples.data());
+    const std::size_t last = mOrigin.colourCount == 1 ? 0 : 2;
+    const SampleOffsets at{mOrigin.colours[0] - firstChannel, mOrigin.colours[last / 2] - firstChannel,
+                           mOrigin.colours[last] - firstChannel, mOrigin.alpha < 0 ? -1 : mOrigin.alpha - firstChannel};
+    const AlphaConvention convention = conventionOf(mOrigin);
+    const int channels = endChannel - firstChannel;
+    const int rowsAtATime = mOrigin.spec.tile_width > 0 ? height() : std::min(height(), kRowsAtATime);
+    const auto samples = std::make_unique_for_overwrite<Sample[]>(
+        static_cast<std::size_t>(width()) * static_cast<std::size_t>(rowsAtATime) * static_cast<std::size_t>(channels));
+    bool isRead = true;
+    for (int top = 0; isRead && top < height(); top += rowsAtATime) {
+        const int rows = std::min(rowsAtATime, height() - top);
+        isRead = readRows(top, rows, firstChannel, endChannel, samples.get());
+        if (isRead)
+            fillRows(into, top, rows, samples.get(), channels, at, convention);
+    }
     // Some decoders fill up what is missing, and tell of it in no other way than by their error text.
     const std::string error = mFile->geterror();
     if (!isRead || !error.empty())
         throw Failure(mPath.string() + ": is damaged or incomplete: " + firstErrorLine(error, "pixels are missing"));
-    return samples;
 }
 
-Picture PictureReader::read() {
+void PictureReader::read(World& into) {
     const auto colours = std::span(mOrigin.colours).first(static_cast<std::size_t>(mOrigin.colourCount));
     const int first =
         mOrigin.alpha < 0 ? std::ranges::min(colours) : std::min(std::ranges::min(colours), mOrigin.alpha);
     const int end = std::max(std::ranges::max(colours), mOrigin.alpha) + 1;
-    const SampleOffsets at{colours.front() - first, colours[colours.size() / 2] - first, colours.back() - first,
-                           mOrigin.alpha < 0 ? -1 : mOrigin.alpha - first};
-    const AlphaConvention convention =
-        alphaConvention(mOrigin.format, mOrigin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0);
-    const bool isTakenAsItIs =
-        mOrigin.spec.format == OIIO::TypeDesc::UINT8 && (mOrigin.alpha < 0 || convention == AlphaConvention::Straight);
-
-    Picture picture{mOrigin, World(width(), height())};
+    const bool isTakenAsItIs = mOrigin.spec.format == OIIO::TypeDesc::UINT8 &&
+                               (mOrigin.alpha < 0 || conventionOf(mOrigin) == AlphaConvention::Straight);
     if (isTakenAsItIs)
-        fillWorld(picture.pixels, readSamples<std::uint8_t>(first, end), end - first, at, convention);
+        readAs<std::uint8_t>(into, first, end);
     else
-        fillWorld(picture.pixels, readSamples<float>(first, end), end - first, at, convention);
-    return picture;
+        readAs<float>(into, first, end);
 }
 
 } // namespace Ombrique::Hosts

@@ -2,8 +2,10 @@
 
 #include "Hosts/CommandLine/Picture.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <vector>
 
 namespace Ombrique::Hosts {
 
@@ -18,17 +20,24 @@ public:
     int width() const { return mOrigin.spec.width; }
     int height() const { return mOrigin.spec.height; }
 
-    /// Reads the pixels; once. A file that ends too early, or is damaged on the way, is refused whole.
-    Picture read();
+    /// What the file says of itself.
+    const PictureOrigin& origin() const { return mOrigin; }
+
+    /// Reads the pixels into a world of the picture's size; once. A file that ends too early, or is damaged on the way,
+    /// is refused whole, and the world holds anything then.
+    void read(World& into);
 
 private:
-    template <typename Sample> std::vector<Sample> readSamples(int firstChannel, int endChannel);
+    template <typename Sample> bool readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples);
+    template <typename Sample> void readAs(World& into, int firstChannel, int endChannel);
     void chooseChannels();
     void noteLosses();
 
     std::filesystem::path mPath;
     std::unique_ptr<OIIO::ImageInput> mFile;
     PictureOrigin mOrigin;
+    /// Samples as the file has them, on their way to another type.
+    std::vector<std::byte> mNative;
 };
 
 } // namespace Ombrique::Hosts

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 namespace Ombrique::Hosts {
@@ -15,7 +16,10 @@ namespace Ombrique::Hosts {
 class PictureWriter {
 public:
     /// Finds the format by the extension, and makes sure that the file can be written, before anything is rendered.
-    explicit PictureWriter(const std::filesystem::path& path);
+    /// `compression` is one of the format's methods as OpenImageIO names them, with a level behind a colon where it has
+    /// one ("zip", "jpeg:90", "default:9"); where it is empty, the picture's own method is kept where the format stays
+    /// the same, and PNG gets the one that is quickest for its size.
+    explicit PictureWriter(const std::filesystem::path& path, const std::string& compression = {});
 
     /// Writes `pixels` (8 bits, straight alpha, the size of the origin's data window) as a picture of the kind that
     /// `origin` describes: grey, RGB, with alpha or without, with its metadata and windows, and alpha as the output's
@@ -27,10 +31,15 @@ public:
     std::vector<std::string> write(const World& pixels, const PictureOrigin& origin);
 
 private:
+    /// `packRows(y, rows, samples)` fills in the samples of so many rows from y on.
+    using PackRows = std::function<void(int, int, std::uint8_t*)>;
+
     /// Fills the file through the encoder.
-    void encode(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& samples);
+    void encode(const OIIO::ImageSpec& spec, const PackRows& packRows);
+    bool encodeRows(const OIIO::ImageSpec& spec, const PackRows& packRows);
 
     std::filesystem::path mPath;
+    std::string mCompression;
     OutputFile mFile;
     /// Encoders may still write while they end, so it outlives the encoder.
     DescriptorProxy mProxy;

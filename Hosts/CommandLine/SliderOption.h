@@ -1,8 +1,9 @@
 #pragma once
 
-#include "Platform/HostInterface/HostInterface.h"
+#include "Hosts/Engine/FrameRequest.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Ombrique::Hosts {
@@ -22,9 +23,16 @@ struct SliderOption {
 
     /// Range and default for people, as "0 to 10, default 1".
     std::string describeRange() const;
-    /// The number that `text` spells, all of it.
-    /// @throw Failure which names the option and the text, where it is no finite number or is out of range.
-    double parse(const std::string& text) const;
+    /// The value that `text` spells, all of it: a number, or keys with the frame before the value, "1001:1,1120:1.6",
+    /// which keyframedValue() joins.
+    /// @throw Failure which names the option and the text, where it is neither, or a value is no finite number or out
+    /// of range, or two keys have the same frame.
+    SliderValue parse(const std::string& text) const;
+    /// The numbers of a list such as "0.8,1,1.2", in its order. Failures as above.
+    std::vector<double> parseList(const std::string& text) const;
+
+private:
+    double parseNumber(std::string_view part, const std::string& text) const;
 };
 
 /// The float sliders among the declared parameters, the first of which has index 1.

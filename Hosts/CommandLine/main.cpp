@@ -1,8 +1,10 @@
 #include "Hosts/CommandLine/About.h"
 #include "Hosts/CommandLine/Arguments.h"
+#include "Hosts/CommandLine/ContactSheet.h"
 #include "Hosts/CommandLine/Failure.h"
-#include "Hosts/CommandLine/RenderStill.h"
+#include "Hosts/CommandLine/RenderShot.h"
 #include "Hosts/CommandLine/StandardStreams.h"
+#include "Hosts/CommandLine/StopSignals.h"
 #include "Hosts/Engine/BundleLocation.h"
 #include "Hosts/Engine/Effect.h"
 #include "Platform/OpenGL/DriverLimits.h"
@@ -28,6 +30,36 @@ void setUp(Effect& effect) {
         throw PluginFailure("the plug-in can't be set up: " + result.describe());
 }
 
+int requireDriver() {
+    const int longestSide = longestRenderableSide();
+    if (longestSide == 0)
+        throw Failure("OpenGL: no driver on this machine gives a context of version 3.3 or more");
+    return longestSide;
+}
+
+int renderFiles(const Effect& effect, const Arguments& arguments, StandardStreams& streams) {
+    const Shot shot = planShot(arguments);
+    const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression};
+    if (arguments.talk == Talk::Verbose)
+        streams.releaseLibraryText();
+    const StopSignals signals;
+    RunReport report(streams, shot, arguments.talk);
+    if (renderShot(effect, shot, settings, arguments.jobs, report))
+        streams.releaseLibraryText();
+    report.end(StopSignals::requested());
+    return report.anyFailed() ? kFailed : kDone;
+}
+
+int renderSheet(const Effect& effect, const std::vector<SliderOption>& sliders, const Arguments& arguments,
+                StandardStreams& streams) {
+    requireDriver();
+    for (const std::string& loss : writeContactSheet(effect, sliders, arguments.lists, firstInput(arguments),
+                                                     arguments.sheet, arguments.compression))
+        if (arguments.talk != Talk::Quiet)
+            streams.printMessage("ombrique-render: note: " + arguments.input + ": " + loss + "\n");
+    return kDone;
+}
+
 int run(int count, const char* const* words, StandardStreams& streams) {
     const PluginBundle bundle(bundleLocation("/proc/self/exe", {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}));
     Effect effect(bundle);
@@ -43,14 +75,8 @@ int run(int count, const char* const* words, StandardStreams& streams) {
         streams.releaseLibraryText();
         return kDone;
     }
-    const int longestSide = longestRenderableSide();
-    if (longestSide == 0)
-        throw Failure("OpenGL: no driver on this machine gives a context of version 3.3 or more");
-    for (const std::string& loss :
-         renderStill(effect, arguments.input, arguments.output, arguments.values, longestSide))
-        streams.printMessage("ombrique-render: note: " + loss + "\n");
-    streams.releaseLibraryText();
-    return kDone;
+    return arguments.sheet.empty() ? renderFiles(effect, arguments, streams)
+                                   : renderSheet(effect, sliders, arguments, streams);
 }
 
 int runGuarded(int count, const char* const* words) {
@@ -78,5 +104,7 @@ int runGuarded(int count, const char* const* words) {
 
 int main(int count, char** words) {
     Ombrique::Hosts::keepFreedMemory();
-    return Ombrique::Hosts::runGuarded(count, words);
+    const int status = Ombrique::Hosts::runGuarded(count, words);
+    Ombrique::Hosts::StopSignals::obey();
+    return status;
 }

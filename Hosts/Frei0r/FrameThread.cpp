@@ -37,17 +37,6 @@ FrameThread::FrameThread(const PluginBundle& bundle) {
     ready.get_future().get();
 }
 
-FrameResult FrameThread::render(const FrameRequest& request) {
-    Job job([&request](const Effect& effect) { return effect.render(request); });
-    std::future<FrameResult> result = job.get_future();
-    {
-        const std::lock_guard lock(mMutex);
-        mJobs.push_back(std::move(job));
-    }
-    mArrived.notify_one();
-    return result.get();
-}
-
 void FrameThread::run(const std::stop_token& stop, const PluginBundle& bundle, std::promise<void>& ready) {
     divertStandardOutputOfThisThread();
     Effect effect(bundle);
@@ -62,18 +51,7 @@ void FrameThread::run(const std::stop_token& stop, const PluginBundle& bundle, s
         return;
     }
     ready.set_value();
-    serve(stop, effect);
-}
-
-void FrameThread::serve(const std::stop_token& stop, const Effect& effect) {
-    std::unique_lock lock(mMutex);
-    while (mArrived.wait(lock, stop, [this] { return !mJobs.empty(); })) {
-        Job job = std::move(mJobs.front());
-        mJobs.pop_front();
-        lock.unlock();
-        job(effect);
-        lock.lock();
-    }
+    mQueue.serve(stop, effect);
 }
 
 } // namespace Ombrique::Hosts

@@ -1,18 +1,14 @@
 #pragma once
 
-#include "Hosts/Engine/Effect.h"
+#include "Hosts/Engine/RenderQueue.h"
 
-#include <condition_variable>
-#include <deque>
 #include <future>
-#include <mutex>
 #include <thread>
 
 namespace Ombrique::Hosts {
 
 /// The effect, set up on a thread of its own that renders all frames. The tool's threads never come near OpenGL: their
-/// contexts, made by whatever means, stay as they are, and instances may move between them. The plug-in renders one
-/// frame at a time anyway, so a second thread would gain nothing.
+/// contexts, made by whatever means, stay as they are, and instances may move between them.
 ///
 /// The thread takes none of the tool's signals, and what it prints goes to standard error.
 class FrameThread {
@@ -29,18 +25,13 @@ public:
     int longestSide() const { return mLongestSide; }
 
     /// Renders a frame, and waits for it. Any thread, several at once.
-    FrameResult render(const FrameRequest& request);
+    FrameResult render(const FrameRequest& request) { return mQueue.render(request); }
 
 private:
-    using Job = std::packaged_task<FrameResult(const Effect&)>;
-
     void run(const std::stop_token& stop, const PluginBundle& bundle, std::promise<void>& ready);
-    void serve(const std::stop_token& stop, const Effect& effect);
 
     int mLongestSide = 0;
-    std::mutex mMutex;
-    std::condition_variable_any mArrived;
-    std::deque<Job> mJobs;
+    RenderQueue mQueue;
     std::jthread mThread;
 };
 

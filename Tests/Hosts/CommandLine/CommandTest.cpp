@@ -115,7 +115,7 @@ TEST_F(Command, KeepsResultsApartFromWhatThePluginPrints) {
                             "  --brightness  Brightness Value    -100 to 100, default 0\n");
     EXPECT_NE(about.messages.find("OpenGL Version"), std::string::npos);
 
-    const ProgramRun render = run({"/good.png", "/out.png", "--brightness", "-20"});
+    const ProgramRun render = run({"/good.png", "/out.png", "--brightness", "-20", "--verbose"});
     EXPECT_EQ(render.status, 0);
     EXPECT_EQ(render.output, "");
     EXPECT_NE(render.messages.find("OpenGL Version"), std::string::npos);

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Hosts/CommandLine/Arguments.h"
+#include "Hosts/CommandLine/Shot.h"
+#include "Hosts/CommandLine/StandardStreams.h"
+
+#include <chrono>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Ombrique::Hosts {
+
+/// Tells on standard error how a run goes: a bar on a terminal, a line every few seconds elsewhere, neither for a
+/// single picture; what went wrong, always; what of the pictures couldn't be kept, once for each kind of loss. All
+/// functions may be called on several threads.
+class RunReport {
+public:
+    /// `streams` must outlive the report.
+    RunReport(const StandardStreams& streams, const Shot& shot, Talk talk);
+
+    /// A frame's output is there. `losses` are without the file's name.
+    void frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds);
+    /// A frame has no output, for the reason that `text` tells.
+    void frameFailed(const ShotFrame& frame, const std::string& text);
+    /// The end of the run: what came of the shot. `signal` stopped it, or 0.
+    void end(int signal);
+
+    bool anyFailed() const { return !mFailed.empty(); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void printLine(const std::string& text);
+    void showProgress();
+    std::string progressText(double elapsed) const;
+    std::string barText(double elapsed) const;
+
+    const StandardStreams& mStreams;
+    const bool mIsSequence;
+    const int mTotal;
+    const int mSkipped;
+    const Talk mTalk;
+    const bool mIsTerminal;
+    const Clock::time_point mStart = Clock::now();
+    Clock::time_point mLastShown = mStart;
+    std::mutex mMutex;
+    int mDone = 0;
+    std::vector<int> mFailed;
+    std::set<std::string> mLossesTold;
+};
+
+} // namespace Ombrique::Hosts
