@@ -73,12 +73,25 @@ void OutputFile::commit() {
         fail(errno);
     if (written.st_size == 0)
         throw Failure(mAskedFor.string() + ": nothing was written");
+    makeLasting();
     struct stat replaced {};
     if (stat(mTarget.c_str(), &replaced) == 0 && chmod(mPartial.c_str(), replaced.st_mode & 07777) != 0)
         fail(errno);
     if (rename(mPartial.c_str(), mTarget.c_str()) != 0)
         fail(errno);
     mCommitted = true;
+}
+
+void OutputFile::makeLasting() const {
+    // Not through mDescriptor, which may be the file that was replaced.
+    const int descriptor = open(mPartial.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        fail(errno);
+    // Some file systems can't do it, and say so with EINVAL.
+    const int errorNumber = fdatasync(descriptor) != 0 && errno != EINVAL ? errno : 0;
+    close(descriptor);
+    if (errorNumber != 0)
+        fail(errorNumber);
 }
 
 void OutputFile::fail(int errorNumber) const {

@@ -24,7 +24,7 @@ public:
     const std::filesystem::path& partialPath() const { return mPartial; }
     /// The partial file, open for reading and writing, at its beginning.
     int descriptor() const { return mDescriptor; }
-    /// Gives the partial file the output's name, and the permissions of the file that it replaces. An empty file is
+    /// Writes the partial file through to the disk, and gives it the output's name and the permissions of the file that it replaces. An empty file is
     /// refused.
     void commit();
 
@@ -34,6 +34,7 @@ public:
 private:
     void openPartial();
     bool isStillPartial() const;
+    void makeLasting() const;
 
     std::filesystem::path mAskedFor;
     std::filesystem::path mTarget;
