@@ -45,7 +45,7 @@ std::vector<int> parseFrameRanges(const std::string& text) {
             frames.push_back(static_cast<int>(frame));
     }
     std::ranges::sort(frames);
-    frames.erase(std::ranges::unique(frames).begin(), frames.end());
+    frames.erase(std::unique(frames.begin(), frames.end()), frames.end());
     return frames;
 }
 
