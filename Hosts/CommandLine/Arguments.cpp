@@ -38,6 +38,7 @@ Exit status:
 /// The command line as text: numbers are read later, so that a wrong one is told apart from a wrong command line.
 struct Texts {
     std::string frames;
+    std::string part;
     std::map<int, std::string> sliders;
     bool quiet = false;
     bool verbose = false;
@@ -52,7 +53,11 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
     app.add_option("--frames", texts.frames,
                    "The frames to render, as 1-10,20-30 or 1-100x2; all that are there if not given")
         ->type_name("RANGES");
+    app.add_option("--part", texts.part, "Of these frames, the K-th of N equal parts, for several machines to share")
+        ->type_name("K/N");
     app.add_flag("--skip-existing", arguments.skipExisting, "Leave out frames whose output is there already");
+    app.add_flag("--list-missing", arguments.listMissing,
+                 "Print the frames whose output isn't there yet, as --frames takes them, and render nothing");
     app.add_option("--jobs", arguments.jobs, "Frames under way at a time; one more than there are cores if not given")
         ->type_name("N")
         ->check(CLI::Range(1, 256));
@@ -75,7 +80,8 @@ void requireFiles(const Arguments& arguments) {
         throw CLI::RequiredError("INPUT");
     if (arguments.sheet.empty() && arguments.output.empty())
         throw CLI::RequiredError("OUTPUT");
-    if (!arguments.sheet.empty() && (!arguments.output.empty() || arguments.compare || arguments.skipExisting))
+    if (!arguments.sheet.empty() &&
+        (!arguments.output.empty() || arguments.compare || arguments.skipExisting || arguments.listMissing))
         throw CLI::ValidationError("--sheet", "goes with INPUT and the sliders alone");
 }
 
@@ -103,6 +109,8 @@ Arguments parseArguments(int count, const char* const* words, const std::vector<
     arguments.talk = texts.quiet ? Talk::Quiet : texts.verbose ? Talk::Verbose : Talk::Normal;
     if (app.count("--frames") > 0)
         arguments.frames = parseFrameRanges(texts.frames);
+    if (app.count("--part") > 0)
+        arguments.part = parseFramePart(texts.part);
     for (const SliderOption& slider : sliders) {
         if (app.count(slider.option) == 0)
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Hosts/CommandLine/FramePart.h"
 #include "Hosts/CommandLine/SliderOption.h"
 #include "Hosts/Engine/FrameRequest.h"
 
@@ -24,7 +25,11 @@ struct Arguments {
     std::string output;
     /// The frames to render: all that are there where nothing is said.
     std::optional<std::vector<int>> frames;
+    /// The part of these frames to render.
+    FramePart part;
     bool skipExisting = false;
+    /// Render nothing, and tell which frames' output isn't there.
+    bool listMissing = false;
     /// Write before and after side by side.
     bool compare = false;
     /// The compression of the output as OpenImageIO names it, with a level after a colon where it has one. Empty: the

@@ -24,8 +24,8 @@ public:
     const std::filesystem::path& partialPath() const { return mPartial; }
     /// The partial file, open for reading and writing, at its beginning.
     int descriptor() const { return mDescriptor; }
-    /// Writes the partial file through to the disk, and gives it the output's name and the permissions of the file that it replaces. An empty file is
-    /// refused.
+    /// Writes the partial file through to the disk, and gives it the output's name and the permissions of the file that
+    /// it replaces. An empty file is refused.
     void commit();
 
     /// Throws for an error number.

@@ -50,7 +50,8 @@ std::filesystem::path firstInput(const Arguments& arguments) {
 Shot planShot(const Arguments& arguments) {
     const auto input = patternOf(arguments.input);
     const auto output = input || arguments.frames ? FramePattern::parse(arguments.output) : std::nullopt;
-    const std::vector<int> numbers = framesOf(arguments, input);
+    // Before any are left out: a part is the same on all machines, however far they are.
+    const std::vector<int> numbers = framesOfPart(framesOf(arguments, input), arguments.part);
     if (numbers.size() > 1 && !output)
         throw UsageError("OUTPUT " + arguments.output +
                          " has no place for the number of a frame, as ####, and there are several frames");
@@ -61,7 +62,7 @@ Shot planShot(const Arguments& arguments) {
     for (const int number : numbers) {
         ShotFrame frame{number, input ? input->at(number) : std::filesystem::path(arguments.input),
                         output ? output->at(number) : std::filesystem::path(arguments.output)};
-        if (arguments.skipExisting && isDone(frame.output))
+        if ((arguments.skipExisting || arguments.listMissing) && isDone(frame.output))
             ++shot.skipped;
         else
             shot.frames.push_back(std::move(frame));

@@ -20,7 +20,7 @@ struct Shot {
     std::vector<ShotFrame> frames;
     /// More than one picture, or a pattern that happens to have one: progress is worth showing.
     bool isSequence = false;
-    /// How many frames are left out, since their output is there.
+    /// How many frames of the part are left out, since their output is there.
     int skipped = 0;
 };
 

@@ -2,6 +2,7 @@
 #include "Hosts/CommandLine/Arguments.h"
 #include "Hosts/CommandLine/ContactSheet.h"
 #include "Hosts/CommandLine/Failure.h"
+#include "Hosts/CommandLine/FrameRanges.h"
 #include "Hosts/CommandLine/RenderShot.h"
 #include "Hosts/CommandLine/StandardStreams.h"
 #include "Hosts/CommandLine/StopSignals.h"
@@ -37,8 +38,21 @@ int requireDriver() {
     return longestSide;
 }
 
+/// Prints a line of frames, or nothing where none is missing.
+void listMissing(const Shot& shot, StandardStreams& streams) {
+    std::vector<int> numbers;
+    for (const ShotFrame& frame : shot.frames)
+        numbers.push_back(frame.number);
+    if (!numbers.empty())
+        streams.printResult(describeFrames(numbers) + "\n");
+}
+
 int renderFiles(const Effect& effect, const Arguments& arguments, StandardStreams& streams) {
     const Shot shot = planShot(arguments);
+    if (arguments.listMissing) {
+        listMissing(shot, streams);
+        return kDone;
+    }
     const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression};
     if (arguments.talk == Talk::Verbose)
         streams.releaseLibraryText();

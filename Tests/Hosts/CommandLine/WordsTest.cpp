@@ -1,4 +1,5 @@
 #include "Hosts/CommandLine/Failure.h"
+#include "Hosts/CommandLine/FramePart.h"
 #include "Hosts/CommandLine/FramePattern.h"
 #include "Hosts/CommandLine/FrameRanges.h"
 #include "Hosts/CommandLine/SliderOption.h"
@@ -29,6 +30,22 @@ TEST(FrameRanges, RefuseWhatNamesNone) {
     for (const char* text : {"", ",", "1,", "a", "1-", "-1", "3-1", "1-2-3", "1x2", "1-9x0", "1-9x", "1-9x-2", "1 -2",
                              "2147483648", "1-9x99999999999", "1-1000001", "0-2147483647", "1-900000,1-900000"})
         EXPECT_THROW(parseFrameRanges(text), Failure) << text;
+}
+
+TEST(FramePart, PartsAreAllFramesInTheirOrder) {
+    for (const int parts : {1, 3, 7, 20}) {
+        const std::vector<int> frames = parseFrameRanges("1-30x3,100-102");
+        std::vector<int> together;
+        for (int place = 1; place <= parts; ++place) {
+            const std::vector<int> part =
+                framesOfPart(frames, parseFramePart(std::to_string(place) + "/" + std::to_string(parts)));
+            EXPECT_NEAR(static_cast<double>(part.size()), 13.0 / parts, 0.999);
+            together.insert(together.end(), part.begin(), part.end());
+        }
+        EXPECT_EQ(together, frames);
+    }
+    for (const char* text : {"", "3", "0/2", "3/2", "1/2/3", "a/2", "1/", "-1/2"})
+        EXPECT_THROW(parseFramePart(text), Failure) << text;
 }
 
 struct PatternCase {
