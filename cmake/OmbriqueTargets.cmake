@@ -25,11 +25,17 @@ function(ombrique_library name)
 endfunction()
 
 # ombrique_bundle_host(TARGET FOLDER)
-# Tells TARGET, which is installed in FOLDER, where the bundle lies as seen from there, for bundleLocation().
+# Tells TARGET, which is installed in FOLDER, where the bundle lies as seen from there, for bundleLocation(), and which
+# version of it belongs to it.
 function(ombrique_bundle_host target folder)
+    include(${PROJECT_SOURCE_DIR}/Plugins/Contrast/Identity.cmake)
     file(RELATIVE_PATH built ${CMAKE_CURRENT_BINARY_DIR} ${PROJECT_BINARY_DIR}/Plugins/Contrast)
     file(RELATIVE_PATH installed /${folder} /${OMBRIQUE_BUNDLE_DIR})
-    target_compile_definitions(${target} PRIVATE OMBRIQUE_BUNDLE_BUILT="${built}" OMBRIQUE_BUNDLE_INSTALLED="${installed}")
+    target_compile_definitions(${target} PRIVATE
+        OMBRIQUE_BUNDLE_BUILT="${built}"
+        OMBRIQUE_BUNDLE_INSTALLED="${installed}"
+        OMBRIQUE_BUNDLE_IDENTIFIER="${OMBRIQUE_EFFECT_IDENTIFIER}"
+        OMBRIQUE_BUNDLE_VERSION="${OMBRIQUE_EFFECT_VERSION_MAJOR}.${OMBRIQUE_EFFECT_VERSION_MINOR}")
 endfunction()
 
 # ombrique_test(NAME LABEL plain|opengl|tools SOURCES cpp... [LINKS target...])

@@ -75,7 +75,8 @@ int renderSheet(const Effect& effect, const std::vector<SliderOption>& sliders, 
 }
 
 int run(int count, const char* const* words, StandardStreams& streams) {
-    const PluginBundle bundle(bundleLocation("/proc/self/exe", {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}));
+    const PluginBundle bundle(bundleLocation("/proc/self/exe", {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}),
+                              {OMBRIQUE_BUNDLE_IDENTIFIER, OMBRIQUE_BUNDLE_VERSION});
     Effect effect(bundle);
     setUp(effect);
     const std::vector<SliderOption> sliders = sliderOptions(effect.parameters());

@@ -1,5 +1,6 @@
 #include "Hosts/Engine/PluginBundle.h"
 
+#include "Hosts/Engine/BinaryFile.h"
 #include "Hosts/Engine/PropertyList.h"
 
 #include <dlfcn.h>
@@ -15,7 +16,7 @@ constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE;
 constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL;
 #endif
 
-BundleInfo readInfo(const std::filesystem::path& folder) {
+BundleInfo readInfo(const std::filesystem::path& folder, const KnownVersion& known) {
     const PropertyList list(folder / "Contents/Info.plist");
     BundleInfo info;
     info.identifier = list.string("CFBundleIdentifier");
@@ -26,6 +27,9 @@ BundleInfo readInfo(const std::filesystem::path& folder) {
     // A name that leads out of the bundle would load whatever lies there.
     if (std::filesystem::path(info.executable).filename() != info.executable)
         list.fail("CFBundleExecutable isn't a file name: " + info.executable);
+    if (info.identifier == known.identifier && info.shortVersion != known.version)
+        list.fail("CFBundleShortVersionString is " + info.shortVersion + ", and this program works with " +
+                  known.version);
     return info;
 }
 
@@ -50,16 +54,15 @@ Registration readRegistration(const std::filesystem::path& file) {
 
 void PluginBundle::Unload::operator()(void* binary) const { dlclose(binary); }
 
-PluginBundle::PluginBundle(const std::filesystem::path& folder) : mFolder(folder) {
+PluginBundle::PluginBundle(const std::filesystem::path& folder, const KnownVersion& known) : mFolder(folder) {
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         throw BundleError(folder.string() + ": no such plug-in bundle");
-    mInfo = readInfo(folder);
+    mInfo = readInfo(folder, known);
     mRegistration = readRegistration(registrationFile());
 
     const std::filesystem::path file = folder / "Contents/Linux" / mInfo.executable;
-    if (!std::filesystem::exists(file, error))
-        throw BundleError(file.string() + ": no such file");
+    requireLoadable(file);
     mBinary.reset(dlopen(file.c_str(), kOpenMode));
     if (!mBinary)
         throw BundleError(file.string() + ": can't be loaded: " + dlerror());

@@ -41,6 +41,13 @@ struct BundleInfo {
     std::string packageType;  ///< CFBundlePackageType
 };
 
+/// The version of a plug-in that a host was made with. Bundles with another identifier are other plug-ins, and have
+/// versions of their own.
+struct KnownVersion {
+    std::string identifier;
+    std::string version; ///< As in BundleInfo::shortVersion.
+};
+
 /// A plug-in in memory: a bundle folder whose property lists were read and whose binary is loaded. Loading runs the
 /// binary's static initialisers, and no command. Two bundles may be loaded at once; the same folder loaded twice is one
 /// image, a copy of it in another place is a second. The destructor unloads the binary: whatever uses the plug-in (an
@@ -49,8 +56,9 @@ class PluginBundle {
 public:
     /// Loads the bundle at `folder`.
     /// @throw BundleError where a file is missing, unreadable or damaged, a key is missing or of the wrong type, the
-    /// binary can't be loaded, or it lacks the entry point that the registration names.
-    explicit PluginBundle(const std::filesystem::path& folder);
+    /// bundle is the one that `known` names but of another version, the binary can't be loaded, or it lacks the entry
+    /// point that the registration names.
+    explicit PluginBundle(const std::filesystem::path& folder, const KnownVersion& known = {});
 
     const std::filesystem::path& folder() const { return mFolder; }
     /// The file that the registration was read from, for messages.

@@ -60,7 +60,8 @@ void Module::report(const char* text) noexcept { std::fprintf(stderr, "ombrique_
 
 const EffectDescription& Module::load() {
     if (!mDescription) {
-        mBundle.emplace(bundleLocation(moduleFile(), {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}));
+        mBundle.emplace(bundleLocation(moduleFile(), {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}),
+                        KnownVersion{OMBRIQUE_BUNDLE_IDENTIFIER, OMBRIQUE_BUNDLE_VERSION});
         mDescription = describeEffect(*mBundle);
     }
     return *mDescription;

@@ -59,8 +59,22 @@ const SpoiltBundle kSpoiltBundles[] = {
      },
      kInfo, "isn't a file name: ../Test"},
     {"NoBinary", [](const TestBundle& b) { fs::remove(b.folder() / kBinary); }, kBinary, "no such file"},
-    {"BinaryDamaged", [](const TestBundle& b) { fs::resize_file(b.folder() / kBinary, 100); }, kBinary,
-     "can't be loaded: "},
+    {"OtherVersion", [](const TestBundle& b) { b.edit(kInfo, "1.0</", "1.1</"); }, kInfo,
+     "CFBundleShortVersionString is 1.1, and this program works with 1.0"},
+    {"BinaryIsText", [](const TestBundle& b) { std::ofstream(b.folder() / kBinary) << std::string(500, 'x'); }, kBinary,
+     "damaged: no binary"},
+    {"BinaryCutOffEarly", [](const TestBundle& b) { fs::resize_file(b.folder() / kBinary, 4096); }, kBinary,
+     "damaged: part of the file is missing"},
+    {"BinaryCutOffLate",
+     [](const TestBundle& b) { fs::resize_file(b.folder() / kBinary, fs::file_size(b.folder() / kBinary) - 1); },
+     kBinary, "damaged: part of the file is missing"},
+    {"OtherProcessor",
+     [](const TestBundle& b) {
+         std::fstream(b.folder() / kBinary, std::ios::in | std::ios::out).seekp(18).put('\x08');
+     },
+     kBinary, "made for another kind of processor"},
+    {"LibraryMissing", [](const TestBundle& b) { b.edit(kBinary, "libstdc++", "libstdc__"); }, kBinary,
+     "can't be loaded: libstdc__.so.6: cannot open"},
     {"NoEntryPoint", [](const TestBundle& b) { b.edit(kRegistration, "TestEntry", "OtherEntry"); }, kBinary,
      "has no entry point OtherEntry"},
 };
@@ -72,7 +86,7 @@ TEST_P(SpoiltBundleTest, SaysWhichFileAndWhy) {
     GetParam().spoil(bundle);
     const std::string file = GetParam().file.empty() ? bundle.folder() : bundle.folder() / GetParam().file;
     try {
-        const PluginBundle loaded(bundle.folder());
+        const PluginBundle loaded(bundle.folder(), {"ombrique.test", "1.0"});
         FAIL() << "it was loaded";
     } catch (const BundleError& error) {
         const std::string text = error.what();
@@ -87,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(All, SpoiltBundleTest, testing::ValuesIn(kSpoiltBundles
 
 TEST(PluginBundle, IsRead) {
     const TestBundle bundle;
-    const PluginBundle loaded(bundle.folder());
+    const PluginBundle loaded(bundle.folder(), {"ombrique.other", "2.0"});
     EXPECT_EQ(loaded.info().identifier, "ombrique.test");
     EXPECT_EQ(loaded.registration().matchName, "ombrique.test.effect");
     EXPECT_EQ(loaded.registration().version, 5u);
