@@ -6,22 +6,37 @@ function(ombrique_warnings target)
                                              $<$<BOOL:${OMBRIQUE_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
 
-# ombrique_library(NAME HEADERS h... [SOURCES cpp...] [LINKS target...] [PRIVATE_LINKS target...])
+# ombrique_library(NAME HEADERS h... [INLINES inl...] [SOURCES cpp...] [LINKS target...] [PRIVATE_LINKS target...]
+#                  [INSTALLED])
 # A static library (an interface library where there are no sources) whose headers are included from the root of the
-# project, and are each compiled alone by the header verification.
+# project, and are each compiled alone by the header verification; INLINES are parts that headers include. With
+# INSTALLED it is for other projects too, as Ombrique::NAME, and so must be the libraries that it links.
 function(ombrique_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;LINKS;PRIVATE_LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "INSTALLED" "" "HEADERS;INLINES;SOURCES;LINKS;PRIVATE_LINKS")
     if(ARG_SOURCES)
         add_library(${name} STATIC ${ARG_SOURCES})
-        target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
-        target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+        set(scope PUBLIC)
+        target_link_libraries(${name} PRIVATE ${ARG_PRIVATE_LINKS})
+        # libGL, for one, is the name of another library.
+        set_target_properties(${name} PROPERTIES OUTPUT_NAME Ombrique${name})
         ombrique_warnings(${name})
     else()
         add_library(${name} INTERFACE)
-        target_sources(${name} INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
-        target_link_libraries(${name} INTERFACE ${ARG_LINKS})
+        set(scope INTERFACE)
     endif()
+    target_sources(${name}
+        ${scope} FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS}
+        ${scope} FILE_SET inlines TYPE HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_INLINES})
+    set_target_properties(${name} PROPERTIES INTERFACE_HEADER_SETS_TO_VERIFY HEADERS)
+    target_link_libraries(${name} ${scope} ${ARG_LINKS})
+    target_compile_features(${name} ${scope} cxx_std_20)
     add_library(Ombrique::${name} ALIAS ${name})
+    if(ARG_INSTALLED)
+        install(TARGETS ${name} EXPORT OmbriqueTargets
+            ARCHIVE COMPONENT development
+            FILE_SET HEADERS DESTINATION ${OMBRIQUE_INCLUDE_DIR} COMPONENT development
+            FILE_SET inlines DESTINATION ${OMBRIQUE_INCLUDE_DIR} COMPONENT development)
+    endif()
 endfunction()
 
 # ombrique_bundle_host(TARGET FOLDER)
