@@ -7,13 +7,13 @@ _ombrique_render() {
     [ "$before" != = ] || before=${COMP_WORDS[COMP_CWORD - 2]}
     COMPREPLY=()
     case $before in
-    --contrast | --brightness | --frames | --jobs | --compression) return ;;
+    --contrast | --brightness | --frames | --part | --jobs | --compression) return ;;
     --sheet) ;;
     *)
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '
-                --contrast --brightness --frames --skip-existing --jobs --compare --sheet --compression
-                -q --quiet -v --verbose --about -h --help --version' -- "$word")
+                --contrast --brightness --frames --part --skip-existing --list-missing --jobs --compare --sheet
+                --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
             return
         fi
         ;;
