@@ -124,25 +124,21 @@ PictureOrigin originOfSheet(const World& sheet) {
     return origin;
 }
 
-} // namespace
+/// The picture under one pair of values. `name` is the file that it came from.
+World corrected(const Effect& effect, World& picture, const std::string& name, const ParameterValues& values) {
+    World result(picture.width(), picture.height());
+    const FrameResult outcome =
+        effect.render({.input = &picture, .output = &result, .values = values, .verifyInput = false});
+    if (!outcome.clean())
+        throw PluginFailure(name + ": could not be rendered: " + outcome.describe());
+    return result;
+}
 
-std::vector<std::string> writeContactSheet(const Effect& effect, const std::vector<SliderOption>& sliders,
-                                           const std::map<int, std::vector<double>>& lists,
-                                           const std::filesystem::path& input, const std::filesystem::path& sheet,
-                                           const std::string& compression) {
-    const Axis across(sliders, 0, lists);
-    const Axis down(sliders, 1, lists);
-    if (across.values.size() * down.values.size() > kMostCells)
-        throw Failure(sheet.string() + ": would have more than " + std::to_string(kMostCells) + " pictures");
-    PictureReader reader(input);
-    PictureWriter writer(sheet, compression);
-    World picture(reader.width(), reader.height());
-    reader.read(picture);
-    World small = reduced(picture);
-
-    const int labelWidth = std::max(small.width(), 2 * kLongestSideOfCell / 3);
+/// The grid of all pairs of values, each picture above its label. `name` is the file that the picture came from.
+World grid(const Effect& effect, World& picture, const std::string& name, const Axis& across, const Axis& down) {
+    const int labelWidth = std::max(picture.width(), 2 * kLongestSideOfCell / 3);
     const int columnWidth = labelWidth + kGap;
-    const int rowHeight = small.height() + kLabelHeight + kGap;
+    const int rowHeight = picture.height() + kLabelHeight + kGap;
     World whole(kGap + columnWidth * static_cast<int>(across.values.size()),
                 kGap + rowHeight * static_cast<int>(down.values.size()));
     whole.fill(kBackground);
@@ -153,18 +149,30 @@ std::vector<std::string> writeContactSheet(const Effect& effect, const std::vect
             ParameterValues values;
             across.set(values, acrossValue);
             down.set(values, downValue);
-            World cell(small.width(), small.height());
-            const FrameResult result =
-                effect.render({.input = &small, .output = &cell, .values = values, .verifyInput = false});
-            if (!result.clean())
-                throw PluginFailure(input.string() + ": could not be rendered: " + result.describe());
-            layOver(whole, cell, left + (labelWidth - cell.width()) / 2, top);
-            putLabel(whole, across.label(acrossValue) + "   " + down.label(downValue), left, top + small.height(),
+            layOver(whole, corrected(effect, picture, name, values), left + (labelWidth - picture.width()) / 2, top);
+            putLabel(whole, across.label(acrossValue) + "   " + down.label(downValue), left, top + picture.height(),
                      labelWidth);
             left += columnWidth;
         }
         top += rowHeight;
     }
+    return whole;
+}
+
+} // namespace
+
+std::vector<std::string> writeContactSheet(const Effect& effect, const std::vector<SliderOption>& sliders,
+                                           const ContactSheet& sheet) {
+    const Axis across(sliders, 0, sheet.lists);
+    const Axis down(sliders, 1, sheet.lists);
+    if (across.values.size() * down.values.size() > kMostCells)
+        throw Failure(sheet.output.string() + ": would have more than " + std::to_string(kMostCells) + " pictures");
+    PictureReader reader(sheet.input, sheet.longestSide);
+    PictureWriter writer(sheet.output, sheet.compression);
+    World picture(reader.width(), reader.height());
+    reader.read(picture);
+    World small = reduced(picture);
+    const World whole = grid(effect, small, sheet.input.string(), across, down);
     std::vector<std::string> losses = reader.origin().losses;
     std::ranges::move(writer.write(whole, originOfSheet(whole)), std::back_inserter(losses));
     return losses;

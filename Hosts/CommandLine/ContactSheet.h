@@ -10,14 +10,23 @@
 
 namespace Ombrique::Hosts {
 
+/// What a contact sheet is made of.
+struct ContactSheet {
+    std::filesystem::path input;
+    std::filesystem::path output;
+    /// Values to show, by parameter index; a slider without a list gets five around its default.
+    std::map<int, std::vector<double>> lists;
+    /// See Arguments::compression.
+    std::string compression;
+    /// The longest side of a picture that the driver can hold, in pixels.
+    int longestSide = 0;
+};
+
 /// Writes a contact sheet of a picture: its reduction under each pair of values of the first two sliders, with the
-/// values below it, the first slider's from left to right and the second's from top to bottom. `lists` holds the values
-/// by parameter index; a slider without a list gets five values around its default. Transparent pictures lie on grey.
-/// `effect` is set up. Returns what of the picture couldn't be kept, without the file's name.
+/// values below it, the first slider's from left to right and the second's from top to bottom. Transparent pictures lie
+/// on grey. `effect` is set up. Returns what of the picture couldn't be kept, without the file's name.
 /// @throw Failure which names the file, with no sheet left behind.
 std::vector<std::string> writeContactSheet(const Effect& effect, const std::vector<SliderOption>& sliders,
-                                           const std::map<int, std::vector<double>>& lists,
-                                           const std::filesystem::path& input, const std::filesystem::path& sheet,
-                                           const std::string& compression);
+                                           const ContactSheet& sheet);
 
 } // namespace Ombrique::Hosts

@@ -78,7 +78,7 @@ int indexOfChannel(const OIIO::ImageSpec& spec, const char* lowerCaseName) {
 
 } // namespace
 
-PictureReader::PictureReader(const std::filesystem::path& path) : mPath(path) {
+PictureReader::PictureReader(const std::filesystem::path& path, int longestSide) : mPath(path) {
     requireReadable(path);
     const QuietStandardError quiet;
     OIIO::ImageSpec hints;
@@ -90,8 +90,18 @@ PictureReader::PictureReader(const std::filesystem::path& path) : mPath(path) {
     mOrigin.spec = mFile->spec();
     if (mOrigin.spec.deep || mOrigin.spec.depth > 1)
         throw Failure(path.string() + ": holds a deep or volume picture, which has no layer of pixels to correct");
+    requireFitting(longestSide);
     chooseChannels();
     noteLosses();
+}
+
+void PictureReader::requireFitting(int longestSide) const {
+    const std::string size =
+        mPath.string() + ": is " + std::to_string(width()) + " by " + std::to_string(height()) + " pixels, and ";
+    if (width() < 1 || height() < 1)
+        throw Failure(size + "a picture has one at least");
+    if (std::max(width(), height()) > longestSide)
+        throw Failure(size + "the OpenGL driver takes " + std::to_string(longestSide) + " at most");
 }
 
 void PictureReader::chooseChannels() {

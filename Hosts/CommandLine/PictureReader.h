@@ -13,8 +13,9 @@ namespace Ombrique::Hosts {
 /// texture the largest level. All failures are thrown as Failure and name the file.
 class PictureReader {
 public:
-    /// Opens the file and reads its header.
-    explicit PictureReader(const std::filesystem::path& path);
+    /// Opens the file and reads its header. A picture with a side beyond `longestSide` pixels, the driver's limit, is
+    /// refused before memory is asked for.
+    PictureReader(const std::filesystem::path& path, int longestSide);
 
     /// The size of the data window, in pixels.
     int width() const { return mOrigin.spec.width; }
@@ -30,6 +31,7 @@ public:
 private:
     template <typename Sample> bool readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples);
     template <typename Sample> void readAs(World& into, int firstChannel, int endChannel);
+    void requireFitting(int longestSide) const;
     void chooseChannels();
     void noteLosses();
 

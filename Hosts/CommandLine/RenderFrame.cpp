@@ -6,19 +6,9 @@
 #include "Hosts/CommandLine/PictureWriter.h"
 #include "Hosts/CommandLine/SideBySide.h"
 
-#include <algorithm>
 #include <iterator>
 
 namespace Ombrique::Hosts {
-namespace {
-
-void requireFitting(const std::filesystem::path& path, int width, int height, int longestSide) {
-    if (std::max(width, height) > longestSide)
-        throw Failure(path.string() + ": is " + std::to_string(width) + " by " + std::to_string(height) +
-                      " pixels, and the OpenGL driver takes " + std::to_string(longestSide) + " at most");
-}
-
-} // namespace
 
 void FrameWorlds::fit(int width, int height) {
     if (input && input->width() == width && input->height() == height)
@@ -31,8 +21,7 @@ void FrameWorlds::fit(int width, int height) {
 
 std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame, const FrameSettings& settings,
                                      FrameWorlds& worlds) {
-    PictureReader reader(frame.input);
-    requireFitting(frame.input, reader.width(), reader.height(), settings.longestSide);
+    PictureReader reader(frame.input, settings.longestSide);
     PictureWriter writer(frame.output, settings.compression);
     worlds.fit(reader.width(), reader.height());
     reader.read(*worlds.input);

@@ -66,9 +66,9 @@ int renderFiles(const Effect& effect, const Arguments& arguments, StandardStream
 
 int renderSheet(const Effect& effect, const std::vector<SliderOption>& sliders, const Arguments& arguments,
                 StandardStreams& streams) {
-    requireDriver();
-    for (const std::string& loss : writeContactSheet(effect, sliders, arguments.lists, firstInput(arguments),
-                                                     arguments.sheet, arguments.compression))
+    const ContactSheet sheet{firstInput(arguments), arguments.sheet, arguments.lists, arguments.compression,
+                             requireDriver()};
+    for (const std::string& loss : writeContactSheet(effect, sliders, sheet))
         if (arguments.talk != Talk::Quiet)
             streams.printMessage("ombrique-render: note: " + arguments.input + ": " + loss + "\n");
     return kDone;

@@ -9,6 +9,19 @@
 namespace Ombrique::Tests {
 namespace {
 
+/// The header of a picture of 4 by -1 pixels, in cards of 80 characters.
+std::string fitsOfNoHeight() {
+    std::string header;
+    for (std::string card :
+         {"SIMPLE  =                    T", "BITPIX  =                    8", "NAXIS   =                    2",
+          "NAXIS1  =                    4", "NAXIS2  =                   -1", "END"}) {
+        card.resize(80, ' ');
+        header += card;
+    }
+    header.resize(2 * 2880, ' ');
+    return header;
+}
+
 /// What a test starts from: good and bad pictures in a folder of its own.
 class Command : public testing::Test {
 protected:
@@ -16,6 +29,8 @@ protected:
         writeTestPicture(folder / "good.png", makePicture(31, 17, 5), {});
         writeTestPicture(folder / "good.jpg", makePicture(31, 17, 5, true), {3});
         writeTestPicture(folder / "wide.png", Hosts::World(40000, 1), {1});
+        writeFile(folder / "vast.ppm", "P6 100000 100000 255\n"); // 40 GB of pixels, if they were there
+        writeFile(folder / "void.fits", fitsOfNoHeight());
         for (const char* name : {"good.png", "good.jpg"}) {
             const std::string whole = readFile(folder / name);
             writeFile(folder / ("cut-" + std::string(name)), whole.substr(0, whole.size() * 2 / 3));
@@ -53,6 +68,9 @@ TEST_F(Command, RefusesInOneLineAndLeavesNothingBehind) {
         {"truncated PNG", {"/cut-good.png", "/out.png"}, 1, "cut-good.png: is damaged or incomplete"},
         {"truncated JPEG", {"/cut-good.jpg", "/out.png"}, 1, "cut-good.jpg: is damaged or incomplete"},
         {"picture beyond the driver", {"/wide.png", "/out.png"}, 1, "wide.png: is 40000 by 1 pixels"},
+        {"vast picture", {"/vast.ppm", "/out.png"}, 1, "vast.ppm: is 100000 by 100000 pixels, and the OpenGL"},
+        {"sheet of it", {"/vast.ppm", "--sheet", "/out.png"}, 1, "vast.ppm: is 100000 by 100000 pixels"},
+        {"picture of negative height", {"/void.fits", "/out.png"}, 1, "void.fits: is 4 by -1 pixels"},
         {"contrast above its range", {"/good.png", "/out.png", "--contrast", "10.01"}, 1, "--contrast 10.01"},
         {"contrast below its range", {"/good.png", "/out.png", "--contrast", "-0.01"}, 1, "0 to 10"},
         {"brightness out of range", {"/good.png", "/out.png", "--brightness", "-101"}, 1, "-100 to 100"},
