@@ -26,6 +26,17 @@ void requireReadable(const std::filesystem::path& path) {
         throw Failure(path.string() + ": can't be read: " + std::generic_category().message(error));
 }
 
+/// Calls a decoder. Some let an exception out where a damaged file leads them astray.
+template <typename Decode> auto decoded(const std::filesystem::path& path, Decode decode) {
+    try {
+        return decode();
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw Failure(path.string() + ": is damaged: its decoder gave up (" + error.what() + ")");
+    }
+}
+
 /// Values are never negative where they are rounded, so that adding this and cutting off does it.
 constexpr float kHalf = 0.5f;
 
@@ -83,7 +94,7 @@ PictureReader::PictureReader(const std::filesystem::path& path, int longestSide)
     const QuietStandardError quiet;
     OIIO::ImageSpec hints;
     hints.attribute("oiio:UnassociatedAlpha", 1);
-    mFile = OIIO::ImageInput::open(path.string(), &hints);
+    mFile = decoded(path, [&] { return OIIO::ImageInput::open(path.string(), &hints); });
     if (!mFile)
         throw Failure(path.string() + ": can't be read: " + firstErrorLine(OIIO::geterror(), "not a picture"));
     mOrigin.format = mFile->format_name();
@@ -91,6 +102,7 @@ PictureReader::PictureReader(const std::filesystem::path& path, int longestSide)
     if (mOrigin.spec.deep || mOrigin.spec.depth > 1)
         throw Failure(path.string() + ": holds a deep or volume picture, which has no layer of pixels to correct");
     requireFitting(longestSide);
+    requireNumbers();
     chooseChannels();
     noteLosses();
 }
@@ -102,6 +114,15 @@ void PictureReader::requireFitting(int longestSide) const {
         throw Failure(size + "a picture has one at least");
     if (std::max(width(), height()) > longestSide)
         throw Failure(size + "the OpenGL driver takes " + std::to_string(longestSide) + " at most");
+}
+
+void PictureReader::requireNumbers() const {
+    const auto isNumber = [](OIIO::TypeDesc type) {
+        return type.basetype >= OIIO::TypeDesc::UINT8 && type.basetype <= OIIO::TypeDesc::DOUBLE;
+    };
+    const OIIO::ImageSpec& spec = mOrigin.spec;
+    if (spec.nchannels < 1 || !isNumber(spec.format) || !std::ranges::all_of(spec.channelformats, isNumber))
+        throw Failure(mPath.string() + ": is damaged: its samples are of no known type");
 }
 
 void PictureReader::chooseChannels() {
@@ -178,7 +199,7 @@ template <typename Sample> void PictureReader::readAs(World& into, int firstChan
     bool isRead = true;
     for (int top = 0; isRead && top < height(); top += rowsAtATime) {
         const int rows = std::min(rowsAtATime, height() - top);
-        isRead = readRows(top, rows, firstChannel, endChannel, samples.get());
+        isRead = decoded(mPath, [&] { return readRows(top, rows, firstChannel, endChannel, samples.get()); });
         if (isRead)
             fillRows(into, top, rows, samples.get(), channels, at, convention);
     }

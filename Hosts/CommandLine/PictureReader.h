@@ -32,6 +32,8 @@ private:
     template <typename Sample> bool readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples);
     template <typename Sample> void readAs(World& into, int firstChannel, int endChannel);
     void requireFitting(int longestSide) const;
+    /// OpenImageIO ends the process where it is asked to convert anything else.
+    void requireNumbers() const;
     void chooseChannels();
     void noteLosses();
 

@@ -9,16 +9,21 @@
 namespace Ombrique::Tests {
 namespace {
 
-/// The header of a picture of 4 by -1 pixels, in cards of 80 characters.
-std::string fitsOfNoHeight() {
+/// A header and no pixels: cards of 80 characters in blocks of 36.
+std::string fitsHeader(const std::string& bitsPerSample, const std::string& height) {
     std::string header;
-    for (std::string card :
-         {"SIMPLE  =                    T", "BITPIX  =                    8", "NAXIS   =                    2",
-          "NAXIS1  =                    4", "NAXIS2  =                   -1", "END"}) {
+    const auto add = [&header](std::string card) {
         card.resize(80, ' ');
         header += card;
-    }
-    header.resize(2 * 2880, ' ');
+    };
+    for (const auto& [name, value] : std::vector<std::pair<std::string, std::string>>{{"SIMPLE  ", "T"},
+                                                                                      {"BITPIX  ", bitsPerSample},
+                                                                                      {"NAXIS   ", "2"},
+                                                                                      {"NAXIS1  ", "4"},
+                                                                                      {"NAXIS2  ", height}})
+        add(name + "= " + std::string(20 - value.size(), ' ') + value);
+    add("END");
+    header.resize(2 * 36 * 80, ' ');
     return header;
 }
 
@@ -30,7 +35,9 @@ protected:
         writeTestPicture(folder / "good.jpg", makePicture(31, 17, 5, true), {3});
         writeTestPicture(folder / "wide.png", Hosts::World(40000, 1), {1});
         writeFile(folder / "vast.ppm", "P6 100000 100000 255\n"); // 40 GB of pixels, if they were there
-        writeFile(folder / "void.fits", fitsOfNoHeight());
+        writeFile(folder / "void.fits", fitsHeader("8", "-1"));
+        writeFile(folder / "odd.fits", fitsHeader("-3", "3"));
+        writeFile(folder / "deep.sgi", std::string("\x01\xda\0\xfd\0\3\0\5\0\3\0\3", 12) + std::string(500, '\0'));
         for (const char* name : {"good.png", "good.jpg"}) {
             const std::string whole = readFile(folder / name);
             writeFile(folder / ("cut-" + std::string(name)), whole.substr(0, whole.size() * 2 / 3));
@@ -71,6 +78,8 @@ TEST_F(Command, RefusesInOneLineAndLeavesNothingBehind) {
         {"vast picture", {"/vast.ppm", "/out.png"}, 1, "vast.ppm: is 100000 by 100000 pixels, and the OpenGL"},
         {"sheet of it", {"/vast.ppm", "--sheet", "/out.png"}, 1, "vast.ppm: is 100000 by 100000 pixels"},
         {"picture of negative height", {"/void.fits", "/out.png"}, 1, "void.fits: is 4 by -1 pixels"},
+        {"samples of no type", {"/odd.fits", "/out.png"}, 1, "odd.fits: is damaged: its samples"},
+        {"253 bytes a sample", {"/deep.sgi", "/out.png"}, 1, "deep.sgi: is damaged"},
         {"contrast above its range", {"/good.png", "/out.png", "--contrast", "10.01"}, 1, "--contrast 10.01"},
         {"contrast below its range", {"/good.png", "/out.png", "--contrast", "-0.01"}, 1, "0 to 10"},
         {"brightness out of range", {"/good.png", "/out.png", "--brightness", "-101"}, 1, "-100 to 100"},
