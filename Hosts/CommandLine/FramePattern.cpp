@@ -3,6 +3,7 @@
 #include "Hosts/CommandLine/TextParts.h"
 
 #include <algorithm>
+#include <climits>
 #include <regex>
 
 namespace Ombrique::Hosts {
@@ -17,6 +18,9 @@ constexpr std::size_t kMostDigits = 10;
 std::optional<FramePattern> FramePattern::parse(const std::filesystem::path& path) {
     static const std::regex kPlaces[] = {std::regex("#+"), std::regex("%(0[1-9])?d"), std::regex("@+")};
     const std::string name = path.filename().string();
+    // No file has a longer name, and the library's matching goes a level deeper with each character.
+    if (name.size() > NAME_MAX)
+        return std::nullopt;
     for (const std::regex& place : kPlaces) {
         std::smatch last;
         for (auto match = std::sregex_iterator(name.begin(), name.end(), place); match != std::sregex_iterator();

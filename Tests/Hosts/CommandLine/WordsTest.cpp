@@ -76,6 +76,7 @@ TEST(FramePattern, NamesFiles) {
         EXPECT_EQ(pattern ? pattern->at(42) : "", row.name ? row.name : "");
     }
     EXPECT_EQ(FramePattern::parse("a.##.png")->at(1234), "a.1234.png");
+    EXPECT_FALSE(FramePattern::parse(std::string(1 << 20, '#')).has_value());
 }
 
 TEST(FramePattern, FindsItsOwnFilesAlone) {
