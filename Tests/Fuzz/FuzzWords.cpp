@@ -1,0 +1,85 @@
+#include "Hosts/CommandLine/Arguments.h"
+#include "Hosts/CommandLine/Failure.h"
+#include "Hosts/CommandLine/FramePart.h"
+#include "Hosts/CommandLine/FramePattern.h"
+#include "Hosts/CommandLine/FrameRanges.h"
+#include "Hosts/CommandLine/Keyframes.h"
+#include "Hosts/CommandLine/SliderOption.h"
+#include "Tests/Fuzz/Require.h"
+
+#include <algorithm>
+
+// Reads any text as each of the small languages of the command line, and all of it as a command line, a word a line.
+// What is taken has to mean what it says.
+namespace Ombrique::Tests {
+namespace {
+
+using namespace Hosts;
+
+/// Calls `parse`, and takes a refusal for an answer.
+template <typename Parse> void parsed(Parse parse) {
+    try {
+        parse();
+    } catch (const Failure&) {
+    } catch (const UsageError&) {
+    }
+}
+
+void frameRanges(const std::string& text) {
+    const std::vector<int> frames = parseFrameRanges(text);
+    require(!frames.empty() && frames.front() >= 0, "ranges name frames");
+    require(std::adjacent_find(frames.begin(), frames.end(), std::greater_equal()) == frames.end(), "in order, once");
+    require(parseFrameRanges(describeFrames(frames)) == frames, "what describes frames names them");
+}
+
+void framePart(const std::string& text) {
+    const FramePart part = parseFramePart(text);
+    require(part.place >= 1 && part.place <= part.of, "a part is one of its parts");
+    require(framesOfPart({1, 2, 3}, part).size() <= 3, "a part is no more than the whole");
+}
+
+void framePattern(const std::string& text) {
+    const auto pattern = FramePattern::parse(text);
+    if (!pattern)
+        return;
+    require(pattern->at(1) != pattern->at(2), "frames have files of their own");
+    require(pattern->at(1).parent_path() == std::filesystem::path(text).parent_path(), "in the pattern's folder");
+}
+
+const SliderOption kSlider{1, "Contrast Value", "--contrast", 0.0, 10.0, 1.0};
+
+void slider(const std::string& text) {
+    const SliderValue value = kSlider.parse(text);
+    for (const int frame : {0, 1, 1000, 2147483647}) {
+        const double there = value.at(timeOfFrame(frame));
+        require(there >= kSlider.minimum && there <= kSlider.maximum,
+                "values keep the slider's range, between keys too");
+    }
+}
+
+void sliderList(const std::string& text) { require(!kSlider.parseList(text).empty(), "a list has a value"); }
+
+void commandLine(std::string text) {
+    std::ranges::replace(text, '\n', '\0');
+    std::vector<const char*> words{"ombrique-render"};
+    for (std::size_t start = 0; start < text.size(); start = text.find('\0', start) + 1) {
+        words.push_back(text.c_str() + start);
+        if (text.find('\0', start) == std::string::npos)
+            break;
+    }
+    const Arguments arguments = parseArguments(static_cast<int>(words.size()), words.data(), {kSlider});
+    require(arguments.jobs >= 0, "jobs are counted");
+    require(!arguments.answer.empty() || arguments.about || !arguments.input.empty(), "there is something to do");
+}
+
+} // namespace
+} // namespace Ombrique::Tests
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    using namespace Ombrique::Tests;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    for (const auto read : {frameRanges, framePart, framePattern, slider, sliderList})
+        parsed([&] { read(text); });
+    parsed([&] { commandLine(text); });
+    return 0;
+}
