@@ -37,9 +37,9 @@ Exit status:
 
 /// The command line as text: numbers are read later, so that a wrong one is told apart from a wrong command line.
 struct Texts {
-    std::string frames;
-    std::string part;
-    std::map<int, std::string> sliders;
+    std::optional<std::string> frames;
+    std::optional<std::string> part;
+    std::map<int, std::optional<std::string>> sliders;
     bool quiet = false;
     bool verbose = false;
 };
@@ -107,17 +107,16 @@ Arguments parseArguments(int count, const char* const* words, const std::vector<
         throw UsageError(std::string(error.what()) + " (--help tells more)");
     }
     arguments.talk = texts.quiet ? Talk::Quiet : texts.verbose ? Talk::Verbose : Talk::Normal;
-    if (app.count("--frames") > 0)
-        arguments.frames = parseFrameRanges(texts.frames);
-    if (app.count("--part") > 0)
-        arguments.part = parseFramePart(texts.part);
+    if (texts.frames)
+        arguments.frames = parseFrameRanges(*texts.frames);
+    if (texts.part)
+        arguments.part = parseFramePart(*texts.part);
     for (const SliderOption& slider : sliders) {
-        if (app.count(slider.option) == 0)
-            continue;
-        if (arguments.sheet.empty())
-            arguments.values.emplace(slider.index, slider.parse(texts.sliders[slider.index]));
-        else
-            arguments.lists.emplace(slider.index, slider.parseList(texts.sliders[slider.index]));
+        const std::optional<std::string>& text = texts.sliders[slider.index];
+        if (text && arguments.sheet.empty())
+            arguments.values.emplace(slider.index, slider.parse(*text));
+        else if (text)
+            arguments.lists.emplace(slider.index, slider.parseList(*text));
     }
     return arguments;
 }

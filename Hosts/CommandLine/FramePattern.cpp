@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <dirent.h>
+#include <memory>
 #include <regex>
 
 namespace Ombrique::Hosts {
@@ -56,10 +58,10 @@ std::optional<int> FramePattern::numberIn(const std::string& name) const {
 
 std::vector<int> FramePattern::framesThere() const {
     std::vector<int> frames;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(mFolder.empty() ? "." : mFolder, error), end; !error && entry != end;
-         entry.increment(error))
-        if (const auto number = numberIn(entry->path().filename().string()))
+    // The library's iterator ends the program where it finds no memory.
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(mFolder.empty() ? "." : mFolder.c_str()), closedir);
+    while (const dirent* const entry = folder ? readdir(folder.get()) : nullptr)
+        if (const auto number = numberIn(entry->d_name))
             frames.push_back(*number);
     std::ranges::sort(frames);
     return frames;

@@ -4,6 +4,7 @@
 #include "Hosts/CommandLine/Compression.h"
 #include "Hosts/CommandLine/Failure.h"
 #include "Hosts/CommandLine/OpenImageIOError.h"
+#include "Hosts/CommandLine/StandardStreams.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -159,6 +160,11 @@ std::unique_ptr<OIIO::ImageOutput> encoderFor(const std::filesystem::path& path)
 PictureWriter::PictureWriter(const std::filesystem::path& path, const std::string& compression)
     : mPath(path), mCompression(compression), mFile(path), mProxy(mFile.descriptor()), mEncoder(encoderFor(path)) {
     requireCompression(compression, mEncoder->format_name());
+}
+
+PictureWriter::~PictureWriter() {
+    const QuietStandardError quiet; // an encoder that is cut off complains
+    mEncoder.reset();
 }
 
 void PictureWriter::encode(const OIIO::ImageSpec& spec, const PackRows& packRows) {

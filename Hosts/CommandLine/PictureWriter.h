@@ -20,6 +20,9 @@ public:
     /// one ("zip", "jpeg:90", "default:9"); where it is empty, the picture's own method is kept where the format stays
     /// the same, and PNG gets the one that is quickest for its size.
     explicit PictureWriter(const std::filesystem::path& path, const std::string& compression = {});
+    PictureWriter(const PictureWriter&) = delete;
+    PictureWriter& operator=(const PictureWriter&) = delete;
+    ~PictureWriter();
 
     /// Writes `pixels` (8 bits, straight alpha, the size of the origin's data window) as a picture of the kind that
     /// `origin` describes: grey, RGB, with alpha or without, with its metadata and windows, and alpha as the output's

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
-#include <system_error>
 #include <thread>
 
 namespace Ombrique::Hosts {
@@ -25,7 +24,7 @@ public:
         try {
             for (int job = 0; job < jobs; ++job)
                 workers.emplace_back([this] { work(); });
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) { // no more threads, or no memory for one
             if (workers.empty())
                 throw;
             leave(jobs - static_cast<int>(workers.size())); // fewer will do
@@ -56,11 +55,11 @@ private:
                               std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         } catch (const PluginFailure& failure) {
             mPluginRefused = true;
-            mReport.frameFailed(frame, failure.what());
+            mReport.frameFailed(frame, {failure.what()});
         } catch (const std::bad_alloc&) {
-            mReport.frameFailed(frame, frame.input.string() + ": there is not enough memory");
+            mReport.frameFailed(frame, {frame.input.native(), ": there is not enough memory"});
         } catch (const std::exception& error) {
-            mReport.frameFailed(frame, error.what());
+            mReport.frameFailed(frame, {error.what()});
         }
     }
 

@@ -3,8 +3,11 @@
 #include "Hosts/CommandLine/FrameRanges.h"
 
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <cmath>
 #include <cstdio>
+#include <new>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -34,6 +37,14 @@ std::string clockText(double seconds) {
     return text;
 }
 
+template <typename Tell> void tellIfPossible(Tell tell) noexcept {
+    try {
+        tell();
+    } catch (const std::bad_alloc&) {
+        // A frame is done or not, whether that can be told or not.
+    }
+}
+
 int terminalColumns() {
     winsize size{};
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
@@ -43,24 +54,28 @@ int terminalColumns() {
 
 RunReport::RunReport(const StandardStreams& streams, const Shot& shot, Talk talk)
     : mStreams(streams), mIsSequence(shot.isSequence), mTotal(static_cast<int>(shot.frames.size())),
-      mSkipped(shot.skipped), mTalk(talk), mIsTerminal(isatty(STDERR_FILENO) != 0) {}
-
-void RunReport::frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds) {
-    const std::lock_guard lock(mMutex);
-    ++mDone;
-    for (const std::string& loss : losses)
-        if (mTalk != Talk::Quiet && mLossesTold.insert(loss).second)
-            printLine("note: " + frame.input.string() + ": " + loss);
-    if (mTalk == Talk::Verbose)
-        printLine(frame.output.string() + ": done in " + decimal(seconds, 2) + " s");
-    showProgress();
+      mSkipped(shot.skipped), mTalk(talk), mIsTerminal(isatty(STDERR_FILENO) != 0) {
+    mFailed.reserve(shot.frames.size());
 }
 
-void RunReport::frameFailed(const ShotFrame& frame, const std::string& text) {
+void RunReport::frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds) noexcept {
+    const std::lock_guard lock(mMutex);
+    ++mDone;
+    tellIfPossible([&] {
+        for (const std::string& loss : losses)
+            if (mTalk != Talk::Quiet && mLossesTold.insert(loss).second)
+                printLine({"note: ", frame.input.native(), ": ", loss});
+        if (mTalk == Talk::Verbose)
+            printLine({frame.output.native(), ": done in ", decimal(seconds, 2), " s"});
+        showProgress();
+    });
+}
+
+void RunReport::frameFailed(const ShotFrame& frame, std::initializer_list<std::string_view> text) noexcept {
     const std::lock_guard lock(mMutex);
     mFailed.push_back(frame.number);
     printLine(text);
-    showProgress();
+    tellIfPossible([this] { showProgress(); });
 }
 
 void RunReport::end(int signal) {
@@ -68,17 +83,21 @@ void RunReport::end(int signal) {
     std::ranges::sort(mFailed);
     const double elapsed = std::chrono::duration<double>(Clock::now() - mStart).count();
     if (mIsSequence && mTalk != Talk::Quiet)
-        printLine(std::to_string(mDone) + " of " + std::to_string(mTotal) + " frames in " + clockText(elapsed) + ", " +
-                  decimal(mDone / std::max(elapsed, 1e-3), 1) + " frames/s" +
-                  (mSkipped > 0 ? "; " + std::to_string(mSkipped) + " more were there" : ""));
+        printLine({std::to_string(mDone) + " of " + std::to_string(mTotal) + " frames in " + clockText(elapsed) + ", " +
+                       decimal(mDone / std::max(elapsed, 1e-3), 1) + " frames/s",
+                   mSkipped > 0 ? "; " + std::to_string(mSkipped) + " more were there" : ""});
     if (mIsSequence && !mFailed.empty())
-        printLine("failed: " + describeFrames(mFailed));
+        printLine({"failed: ", describeFrames(mFailed)});
     if (signal != 0)
-        printLine("stopped by signal " + std::to_string(signal));
+        printLine({"stopped by signal ", std::to_string(signal)});
 }
 
-void RunReport::printLine(const std::string& text) {
-    mStreams.printMessage((mIsTerminal && mIsSequence ? kClearLine : "") + ("ombrique-render: " + text + "\n"));
+void RunReport::printLine(std::initializer_list<std::string_view> text) const {
+    std::array<std::string_view, 4> parts;
+    assert(text.size() <= parts.size());
+    std::ranges::copy(text, parts.begin());
+    mStreams.printMessage({mIsTerminal && mIsSequence ? kClearLine : "", "ombrique-render: ", parts[0], parts[1],
+                           parts[2], parts[3], "\n"});
 }
 
 void RunReport::showProgress() {
@@ -89,9 +108,9 @@ void RunReport::showProgress() {
     mLastShown = now;
     const double elapsed = std::chrono::duration<double>(now - mStart).count();
     if (mIsTerminal)
-        mStreams.printMessage(kClearLine + barText(elapsed));
+        mStreams.printMessage({kClearLine, barText(elapsed)});
     else
-        printLine(progressText(elapsed));
+        printLine({progressText(elapsed)});
 }
 
 std::string RunReport::progressText(double elapsed) const {

@@ -5,25 +5,27 @@
 #include "Hosts/CommandLine/StandardStreams.h"
 
 #include <chrono>
+#include <initializer_list>
 #include <mutex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Ombrique::Hosts {
 
 /// Tells on standard error how a run goes: a bar on a terminal, a line every few seconds elsewhere, neither for a
 /// single picture; what went wrong, always; what of the pictures couldn't be kept, once for each kind of loss. All
-/// functions may be called on several threads.
+/// functions may be called on several threads. Where memory runs out, it tells less.
 class RunReport {
 public:
     /// `streams` must outlive the report.
     RunReport(const StandardStreams& streams, const Shot& shot, Talk talk);
 
     /// A frame's output is there. `losses` are without the file's name.
-    void frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds);
-    /// A frame has no output, for the reason that `text` tells.
-    void frameFailed(const ShotFrame& frame, const std::string& text);
+    void frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds) noexcept;
+    /// A frame has no output, for the reason that the parts of a text tell, four at most.
+    void frameFailed(const ShotFrame& frame, std::initializer_list<std::string_view> text) noexcept;
     /// The end of the run: what came of the shot. `signal` stopped it, or 0.
     void end(int signal);
 
@@ -32,7 +34,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void printLine(const std::string& text);
+    void printLine(std::initializer_list<std::string_view> text) const;
     void showProgress();
     std::string progressText(double elapsed) const;
     std::string barText(double elapsed) const;
@@ -47,6 +49,7 @@ private:
     Clock::time_point mLastShown = mStart;
     std::mutex mMutex;
     int mDone = 0;
+    /// Holds room for all.
     std::vector<int> mFailed;
     std::set<std::string> mLossesTold;
 };

@@ -2,7 +2,9 @@
 
 #include "Hosts/CommandLine/Failure.h"
 
+#include <algorithm>
 #include <array>
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -10,6 +12,7 @@
 #include <mutex>
 #include <span>
 #include <sys/mman.h>
+#include <sys/uio.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -68,7 +71,14 @@ void StandardStreams::printResult(const std::string& text) const {
         throw Failure("standard output: can't be written: " + std::generic_category().message(error));
 }
 
-void StandardStreams::printMessage(const std::string& text) const { writeAll(mMessages, text); }
+void StandardStreams::printMessage(std::initializer_list<std::string_view> parts) const {
+    std::array<iovec, 8> pieces{};
+    assert(parts.size() <= pieces.size());
+    std::ranges::transform(parts, pieces.begin(), [](std::string_view part) {
+        return iovec{const_cast<char*>(part.data()), part.size()};
+    });
+    static_cast<void>(writev(mMessages, pieces.data(), static_cast<int>(parts.size())));
+}
 
 void StandardStreams::releaseLibraryText() {
     if (mHeld < 0)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace Ombrique::Hosts {
 
@@ -17,8 +19,9 @@ public:
     /// Writes text to the real standard output.
     /// @throw Failure where it can't be written.
     void printResult(const std::string& text) const;
-    /// Writes text to standard error, also while that is quiet; nobody learns when it can't be written.
-    void printMessage(const std::string& text) const;
+    /// Writes the parts of a text to standard error at once, also while that is quiet; nobody learns when it can't be
+    /// written. Needs no memory. Eight parts at most.
+    void printMessage(std::initializer_list<std::string_view> parts) const;
     /// Sends what libraries printed so far to standard error, and whatever they print from now on. Where this is never
     /// called, their text is dropped: a wrong command line is answered in one line.
     void releaseLibraryText();

@@ -70,7 +70,7 @@ int renderSheet(const Effect& effect, const std::vector<SliderOption>& sliders, 
                              requireDriver()};
     for (const std::string& loss : writeContactSheet(effect, sliders, sheet))
         if (arguments.talk != Talk::Quiet)
-            streams.printMessage("ombrique-render: note: " + arguments.input + ": " + loss + "\n");
+            streams.printMessage({"ombrique-render: note: ", arguments.input, ": ", loss, "\n"});
     return kDone;
 }
 
@@ -96,8 +96,8 @@ int run(int count, const char* const* words, StandardStreams& streams) {
 
 int runGuarded(int count, const char* const* words) {
     StandardStreams streams;
-    const auto fail = [&](ExitStatus status, const std::string& text) {
-        streams.printMessage("ombrique-render: " + text + "\n");
+    const auto fail = [&](ExitStatus status, std::string_view text) {
+        streams.printMessage({"ombrique-render: ", text, "\n"});
         return status;
     };
     try {

@@ -83,12 +83,13 @@ bool HandleTable::dispose(const void* handle, Findings& findings) {
     const auto found = find(handle, "disposed of", findings);
     if (found == mBlocks.end())
         return false;
-    const std::string block = mKind + (" of " + std::to_string((*found)->size)) + " bytes";
-    if (mDisposedUnlocked && (*found)->locks > 0)
-        findings.push_back(block + " disposed of while locked");
-    if ((*found)->isOverrun())
-        findings.push_back(block + ": written behind its memory");
+    const std::unique_ptr<Block> block = std::move(*found);
     mBlocks.erase(found);
+    const auto describe = [&] { return mKind + (" of " + std::to_string(block->size)) + " bytes"; };
+    if (mDisposedUnlocked && block->locks > 0)
+        findings.push_back(describe() + " disposed of while locked");
+    if (block->isOverrun())
+        findings.push_back(describe() + ": written behind its memory");
     return true;
 }
 

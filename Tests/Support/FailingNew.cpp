@@ -14,52 +14,102 @@ namespace Ombrique::Tests {
 
 namespace {
 
-thread_local FailingNew* tArmed = nullptr;
+std::atomic<AllocationFault*> gArmed = nullptr;
+/// Looking for the caller must not meet itself.
+thread_local bool tIsLooking = false;
 
-enum class Binary { Plugin, Library, Other };
+enum class Binary { Plugin, Binding, Program, Library, Other };
 
 Binary binaryOf(const void* address) {
     dl_find_object object{};
     if (_dl_find_object(const_cast<void*>(address), &object) != 0)
         return Binary::Other;
     const std::string_view name = object.dlfo_link_map->l_name;
-    if (name.ends_with("/OmbriqueContrast") || name.find("libglbinding") != std::string_view::npos)
+    if (name.empty()) // so the main program is called
+        return Binary::Program;
+    if (name.ends_with("/OmbriqueContrast"))
         return Binary::Plugin;
+    if (name.find("libglbinding") != std::string_view::npos)
+        return Binary::Binding;
     return name.find("libstdc++") != std::string_view::npos ? Binary::Library : Binary::Other;
 }
 
-/// Whether the call of operator new that returns to `caller` came from the plug-in, itself or through the C++ library.
-bool isFromPlugin(const void* caller) {
+/// Who called operator new, which returns to `caller`, itself or through the C++ library.
+Binary allocatorAt(const void* caller) {
     // The driver allocates without end, so that only the library's callers are looked for.
     if (const Binary binary = binaryOf(caller); binary != Binary::Library)
-        return binary == Binary::Plugin;
+        return binary;
     constexpr int kDeepest = 24;
     std::array<void*, kDeepest> frames{};
     const auto end = frames.begin() + backtrace(frames.data(), kDeepest);
     const auto first = std::find_if(std::find(frames.begin(), end, caller), end,
                                     [](const void* frame) { return binaryOf(frame) != Binary::Library; });
-    return first != end && binaryOf(*first) == Binary::Plugin;
+    return first == end ? Binary::Other : binaryOf(*first);
+}
+
+bool counts(Binary allocator, Allocations counted) {
+    return allocator == Binary::Plugin ||
+           allocator == (counted == Allocations::Plugin ? Binary::Binding : Binary::Program);
 }
 
 } // namespace
 
-FailingNew::FailingNew(int nth) : mNth(nth) {
+AllocationFault::AllocationFault(Allocations counted) : mCounted(counted) {
     std::array<void*, 1> frame{};
     backtrace(frame.data(), 1); // loads what it needs
-    tArmed = this;
+    gArmed = this;
 }
 
-FailingNew::~FailingNew() { tArmed = nullptr; }
+AllocationFault::~AllocationFault() { gArmed = nullptr; }
 
-bool FailingNew::strikes(const void* caller) { return isFromPlugin(caller) && ++mCount == mNth; }
+bool AllocationFault::strikes(const void* caller) { return counts(allocatorAt(caller), mCounted) && shallFail(); }
+
+namespace {
+
+constexpr std::size_t kDeepest = 128;
+using Frames = std::array<void*, kDeepest>;
+
+std::size_t findFrames(Frames& frames) {
+    return static_cast<std::size_t>(backtrace(frames.data(), static_cast<int>(kDeepest)));
+}
+
+} // namespace
+
+FailingPath::FailingPath(CallPath path, CallPaths& seen)
+    : AllocationFault(Allocations::Program), mPath(path), mSeen(seen) {
+    Frames frames;
+    mDepth = findFrames(frames);
+}
+
+bool FailingPath::shallFail() {
+    Frames frames;
+    std::size_t depth = findFrames(frames);
+    if (std::this_thread::get_id() == mThread)
+        depth -= std::min(depth, mDepth);
+    CallPath path = 14695981039346656037u; // FNV-1a
+    for (std::size_t i = 0; i < depth; ++i) {
+        dl_find_object object{};
+        if (_dl_find_object(frames[i], &object) == 0) // else made at run time
+            path = (path ^
+                    static_cast<CallPath>(static_cast<char*>(frames[i]) - static_cast<char*>(object.dlfo_map_start))) *
+                   1099511628211u;
+    }
+    const std::size_t place = mSeen.count++;
+    if (place >= mSeen.paths.size())
+        return false;
+    const auto end = mSeen.paths.begin() + static_cast<std::ptrdiff_t>(place);
+    if (std::find(mSeen.paths.begin(), end, path) != end)
+        ++path; // as all after the first
+    mSeen.paths[place] = path;
+    return path == mPath && !mSeen.fired.exchange(true);
+}
 
 namespace {
 
 void* allocate(std::size_t size, const void* caller) {
-    // Looking for the caller must not meet itself.
-    if (FailingNew* const armed = std::exchange(tArmed, nullptr)) {
+    if (AllocationFault* const armed = gArmed; armed && !std::exchange(tIsLooking, true)) {
         const bool strikes = armed->strikes(caller);
-        tArmed = armed;
+        tIsLooking = false;
         if (strikes)
             throw std::bad_alloc();
     }

@@ -19,8 +19,17 @@ namespace Ombrique::GaussianBlur {
 
 namespace {
 
+/// The contrast pass as it is made at load: null where there is no memory, since an exception would end the host.
+ContrastRender* passAtLoad() {
+    try {
+        return new ContrastRender;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 /// The contrast pass of the plug-in; null between global setdown and the next global setup.
-ContrastRender* mWarpRender = new ContrastRender;
+ContrastRender* mWarpRender = passAtLoad();
 
 /// Held over the part of a frame that uses what all frames share: the pass, the render targets. Also held over setup
 /// and setdown, so that neither meets a frame.

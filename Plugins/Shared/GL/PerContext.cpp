@@ -20,12 +20,6 @@ LivingTables& livingTables() {
     return living;
 }
 
-CGLContextObj currentContext() {
-    const CGLContextObj context = CGLGetCurrentContext();
-    assert(context != nullptr && "a value for the current context where none is current");
-    return context;
-}
-
 } // namespace
 
 PerContextTable::PerContextTable() {
@@ -48,7 +42,8 @@ void PerContextTable::dropContext(const CGLContextObj& context) {
 }
 
 void* PerContextTable::current(std::shared_ptr<void> (*make)()) {
-    const CGLContextObj context = currentContext();
+    const CGLContextObj context = CGLGetCurrentContext();
+    assert(context != nullptr && "a value for the current context where none is current");
     const std::lock_guard lock(livingTables().mutex);
     std::shared_ptr<void>& value = mValues[context];
     if (!value)
@@ -57,9 +52,8 @@ void* PerContextTable::current(std::shared_ptr<void> (*make)()) {
 }
 
 void* PerContextTable::find() const {
-    const CGLContextObj context = currentContext();
     const std::lock_guard lock(livingTables().mutex);
-    const auto value = mValues.find(context);
+    const auto value = mValues.find(CGLGetCurrentContext());
     return value == mValues.end() ? nullptr : value->second.get();
 }
 

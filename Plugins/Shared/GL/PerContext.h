@@ -44,7 +44,8 @@ public:
         return *static_cast<T*>(
             PerContextTable::current([]() -> std::shared_ptr<void> { return std::make_shared<T>(); }));
     }
-    /// The same value where it has been asked for before, else null. It allocates nothing, so that clean-up can't fail.
+    /// The same value where it has been asked for before, else null, as it is without a current context. It allocates
+    /// nothing, so that clean-up can't fail.
     T* find() const { return static_cast<T*>(PerContextTable::find()); }
 };
 
