@@ -53,9 +53,9 @@ function(ombrique_bundle_host target folder)
         OMBRIQUE_BUNDLE_VERSION="${OMBRIQUE_EFFECT_VERSION_MAJOR}.${OMBRIQUE_EFFECT_VERSION_MINOR}")
 endfunction()
 
-# ombrique_test(NAME LABEL plain|opengl|tools SOURCES cpp... [LINKS target...])
-# A GoogleTest program, each of whose tests CTest knows by itself under LABEL: plain runs without OpenGL (and under
-# ThreadSanitizer), opengl needs a driver, tools runs other programs.
+# ombrique_test(NAME LABEL plain|opengl|threads|tools SOURCES cpp... [LINKS target...])
+# A GoogleTest program, each of whose tests CTest knows by itself under LABEL: plain runs without OpenGL, opengl needs a
+# driver, threads does so on several threads, tools runs other programs. ThreadSanitizer watches plain and threads.
 function(ombrique_test name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "LABEL" "SOURCES;LINKS")
     add_executable(${name} ${ARG_SOURCES})
