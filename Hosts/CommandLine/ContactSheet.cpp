@@ -4,6 +4,7 @@
 #include "Hosts/CommandLine/OpenImageIOError.h"
 #include "Hosts/CommandLine/PictureReader.h"
 #include "Hosts/CommandLine/PictureWriter.h"
+#include "Hosts/CommandLine/Quantised.h"
 
 #include <OpenImageIO/imagebufalgo.h>
 
@@ -43,12 +44,11 @@ World reduced(const World& picture) {
     const OIIO::ImageBuf small = OIIO::ImageBufAlgo::resize(
         whole, "triangle", 0.0f, OIIO::ROI(0, side(picture.width()), 0, side(picture.height())));
     World result(small.spec().width, small.spec().height);
-    const auto byte = [](float value) { return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 255.0f) + 0.5f); };
     for (OIIO::ImageBuf::ConstIterator<float> from(small); !from.done(); ++from) {
-        const float weight = from[3] > 0.0f ? 1.0f / from[3] : 0.0f;
-        result.setPixel(
-            from.x(), from.y(),
-            PF_Pixel8{byte(from[3] * 255.0f), byte(from[0] * weight), byte(from[1] * weight), byte(from[2] * weight)});
+        const float weight = from[3] > 0.0f ? 1.0f / (from[3] * 255.0f) : 0.0f;
+        result.setPixel(from.x(), from.y(),
+                        PF_Pixel8{quantised(from[3]), quantised(from[0] * weight), quantised(from[1] * weight),
+                                  quantised(from[2] * weight)});
     }
     return result;
 }
@@ -110,10 +110,9 @@ void putLabel(World& sheet, const std::string& text, int left, int top, int widt
                                          OIIO::ImageBufAlgo::TextAlignX::Center))
         throw Failure("labels can't be drawn: the font " + std::string(kFont) + " isn't installed (" +
                       firstErrorLine(line.geterror(), "no reason given") + ")");
-    for (OIIO::ImageBuf::ConstIterator<float> from(line); !from.done(); ++from) {
-        const auto byte = [&from](int channel) { return static_cast<std::uint8_t>(from[channel] * 255.0f + 0.5f); };
-        sheet.setPixel(left + from.x(), top + from.y(), PF_Pixel8{255, byte(0), byte(1), byte(2)});
-    }
+    for (OIIO::ImageBuf::ConstIterator<float> from(line); !from.done(); ++from)
+        sheet.setPixel(left + from.x(), top + from.y(),
+                       PF_Pixel8{255, quantised(from[0]), quantised(from[1]), quantised(from[2])});
 }
 
 PictureOrigin originOfSheet(const World& sheet) {

@@ -3,6 +3,7 @@
 #include "Hosts/CommandLine/AlphaConvention.h"
 #include "Hosts/CommandLine/Failure.h"
 #include "Hosts/CommandLine/OpenImageIOError.h"
+#include "Hosts/CommandLine/Quantised.h"
 #include "Hosts/CommandLine/StandardStreams.h"
 
 #include <algorithm>
@@ -35,14 +36,6 @@ template <typename Decode> auto decoded(const std::filesystem::path& path, Decod
     } catch (const std::exception& error) {
         throw Failure(path.string() + ": is damaged: its decoder gave up (" + error.what() + ")");
     }
-}
-
-/// Values are never negative where they are rounded, so that adding this and cutting off does it.
-constexpr float kHalf = 0.5f;
-
-/// From 0 to 1 into 8 bits, rounded; what isn't a number becomes 0.
-std::uint8_t quantised(float value) {
-    return static_cast<std::uint8_t>((value > 0.0f ? std::min(value, 1.0f) : 0.0f) * 255.0f + kHalf);
 }
 
 /// Where in a pixel of samples the plug-in's channels stand; alpha is -1 for an opaque picture.
@@ -117,7 +110,7 @@ void PictureReader::requireFitting(int longestSide) const {
 }
 
 void PictureReader::requireNumbers() const {
-    const auto isNumber = [](OIIO::TypeDesc type) {
+    const auto isNumber = [](const OIIO::TypeDesc& type) {
         return type.basetype >= OIIO::TypeDesc::UINT8 && type.basetype <= OIIO::TypeDesc::DOUBLE;
     };
     const OIIO::ImageSpec& spec = mOrigin.spec;

@@ -45,9 +45,8 @@ private:
             dup2(open(streams[i].c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), i + 1);
         std::vector<std::string> words{"ombrique-render"};
         words.insert(words.end(), arguments.begin(), arguments.end());
-        std::vector<char*> pointers;
-        for (std::string& word : words)
-            pointers.push_back(word.data());
+        std::vector<char*> pointers(words.size());
+        std::ranges::transform(words, pointers.begin(), [](std::string& word) { return word.data(); });
         alarm(kSecondsToHang);
         const FailingPath fault(failing, *mSeen);
         _exit(ombriqueRender(static_cast<int>(pointers.size()), pointers.data()));

@@ -21,7 +21,7 @@ std::string fitsHeader(const std::string& bitsPerSample, const std::string& heig
                                                                                       {"NAXIS   ", "2"},
                                                                                       {"NAXIS1  ", "4"},
                                                                                       {"NAXIS2  ", height}})
-        add(name + "= " + std::string(20 - value.size(), ' ') + value);
+        add(std::string(name).append("= ").append(20 - value.size(), ' ').append(value));
     add("END");
     header.resize(2 * 36 * 80, ' ');
     return header;
