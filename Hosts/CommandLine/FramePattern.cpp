@@ -3,10 +3,9 @@
 #include "Hosts/CommandLine/TextParts.h"
 
 #include <algorithm>
-#include <climits>
 #include <dirent.h>
 #include <memory>
-#include <regex>
+#include <string_view>
 
 namespace Ombrique::Hosts {
 namespace {
@@ -14,33 +13,58 @@ namespace {
 /// More digits than an int has would only make long names.
 constexpr std::size_t kMostDigits = 10;
 
+/// Where in a name the number goes.
+struct Place {
+    std::size_t start;
+    std::size_t length;
+    std::size_t digits;
+};
+
+/// The last run of a sign, each of which is a digit.
+std::optional<Place> lastRun(std::string_view name, char sign) {
+    const std::size_t last = name.find_last_of(sign);
+    if (last == std::string_view::npos)
+        return std::nullopt;
+    const std::size_t start = name.find_last_not_of(sign, last) + 1; // npos + 1 is 0
+    return Place{start, last + 1 - start, last + 1 - start};
+}
+
+/// The last "%d" or "%04d", of one digit to nine.
+std::optional<Place> lastDirective(std::string_view name) {
+    for (std::size_t start = name.rfind('%'); start != std::string_view::npos; start = name.rfind('%', start - 1)) {
+        const std::string_view rest = name.substr(start + 1);
+        if (rest.starts_with('d'))
+            return Place{start, 2, 1};
+        if (rest.size() >= 3 && rest[0] == '0' && rest[1] >= '1' && rest[1] <= '9' && rest[2] == 'd')
+            return Place{start, 4, static_cast<std::size_t>(rest[1] - '0')};
+        if (start == 0)
+            break;
+    }
+    return std::nullopt;
+}
+
+std::optional<Place> placeIn(std::string_view name) {
+    if (const auto hashes = lastRun(name, '#'))
+        return hashes;
+    if (const auto directive = lastDirective(name))
+        return directive;
+    return lastRun(name, '@');
+}
+
 } // namespace
 
 // OpenImageIO reads such patterns too, but its "####" stands for 16 digits.
 std::optional<FramePattern> FramePattern::parse(const std::filesystem::path& path) {
-    static const std::regex kPlaces[] = {std::regex("#+"), std::regex("%(0[1-9])?d"), std::regex("@+")};
     const std::string name = path.filename().string();
-    // No file has a longer name, and the library's matching goes a level deeper with each character.
-    if (name.size() > NAME_MAX)
+    const std::optional<Place> place = placeIn(name);
+    if (!place || place->digits > kMostDigits)
         return std::nullopt;
-    for (const std::regex& place : kPlaces) {
-        std::smatch last;
-        for (auto match = std::sregex_iterator(name.begin(), name.end(), place); match != std::sregex_iterator();
-             ++match)
-            last = *match;
-        if (last.empty())
-            continue;
-        FramePattern pattern;
-        pattern.mFolder = path.parent_path();
-        pattern.mBefore = std::string(name.cbegin(), last[0].first);
-        pattern.mAfter = std::string(last[0].second, name.cend());
-        const std::string text = last.str();
-        pattern.mDigits = text.front() != '%' ? text.size()
-                          : last[1].matched   ? static_cast<std::size_t>(text[2] - '0')
-                                              : 1;
-        return pattern.mDigits <= kMostDigits ? std::optional(pattern) : std::nullopt;
-    }
-    return std::nullopt;
+    FramePattern pattern;
+    pattern.mFolder = path.parent_path();
+    pattern.mBefore = name.substr(0, place->start);
+    pattern.mAfter = name.substr(place->start + place->length);
+    pattern.mDigits = place->digits;
+    return pattern;
 }
 
 std::filesystem::path FramePattern::at(int frame) const {

@@ -69,6 +69,8 @@ TEST(FramePattern, NamesFiles) {
         {"a%s.png", nullptr},
         {"a%04x.png", nullptr},
         {"a.############.png", nullptr},
+        {"%.%02d.%0d.png", "%.42.%0d.png"},
+        {"%", nullptr},
     };
     for (const PatternCase& row : rows) {
         const auto pattern = FramePattern::parse(row.pattern);
