@@ -65,7 +65,7 @@ function(ombrique_test name)
     gtest_discover_tests(${name} TEST_LIST ${name}Names PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 300)
     # The sanitizers read these; other builds ignore them. Not a property above: the first of a list alone gets through.
     set(suppressions ${PROJECT_SOURCE_DIR}/Tests/Suppressions)
-    set(environment LSAN_OPTIONS=suppressions=${suppressions}/lsan.supp
+    set(environment LSAN_OPTIONS=suppressions=${suppressions}/lsan.supp:print_suppressions=0
                     TSAN_OPTIONS=suppressions=${suppressions}/tsan.supp
                     UBSAN_OPTIONS=suppressions=${suppressions}/ubsan.supp:print_stacktrace=1)
     set(include ${CMAKE_CURRENT_BINARY_DIR}/${name}Environment.cmake)
