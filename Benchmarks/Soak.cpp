@@ -144,8 +144,8 @@ int number(std::string_view text) {
 
 int main(int argc, char** argv) {
     using namespace Ombrique::Benchmarks;
-    mallopt(M_MMAP_THRESHOLD, 1 << 30); // see FrameBenchmark
-    mallopt(M_TRIM_THRESHOLD, INT_MAX);
+    // Large blocks go back to the system at once, so that holes between them aren't taken for something held.
+    mallopt(M_MMAP_THRESHOLD, 1 << 20);
     try {
         if (argc != 1 && argc != 3)
             throw std::invalid_argument("usage: Soak [SMALL LARGE]");
