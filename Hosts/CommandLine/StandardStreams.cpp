@@ -77,7 +77,19 @@ void StandardStreams::printMessage(std::initializer_list<std::string_view> parts
     std::ranges::transform(parts, pieces.begin(), [](std::string_view part) {
         return iovec{const_cast<char*>(part.data()), part.size()};
     });
-    static_cast<void>(writev(mMessages, pieces.data(), static_cast<int>(parts.size())));
+    ssize_t count = 0;
+    do
+        count = writev(mMessages, pieces.data(), static_cast<int>(parts.size()));
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        return;
+    // What is full, or interrupted, may have taken less.
+    auto written = static_cast<std::size_t>(count);
+    for (const std::string_view part : parts) {
+        const std::size_t taken = std::min(written, part.size());
+        written -= taken;
+        writeAll(mMessages, part.substr(taken));
+    }
 }
 
 void StandardStreams::releaseLibraryText() {

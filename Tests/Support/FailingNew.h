@@ -67,7 +67,7 @@ struct CallPaths {
     std::atomic<bool> fired = false;
 };
 
-/// The first allocation of the program on a path fails; none for 0.
+/// The first allocation of the program that has this path fails; none for 0.
 class FailingPath : public AllocationFault {
 public:
     /// `seen` gets all paths, and outlives this.
