@@ -9,14 +9,13 @@
 
 #define GL_GLEXT_PROTOTYPES
 #include <GL/glcorearb.h>
+#include <benchmark/benchmark.h>
 
 #include <climits>
 #include <malloc.h>
 #include <map>
 #include <optional>
 #include <stdexcept>
-
-#include <benchmark/benchmark.h>
 
 // What a frame costs: the effect through its entry point, and the same OpenGL calls bare, in one run and in turn, so
 // that a busy machine slows both alike. Counters are medians in milliseconds or, where they say so, microseconds;
@@ -238,6 +237,7 @@ BENCHMARK(stages)->Apply(sizes)->MinTime(1);
 BENCHMARK(overhead)->UseManualTime()->Iterations(40)->Unit(benchmark::kMicrosecond);
 
 } // namespace
+
 } // namespace Ombrique::Benchmarks
 
 int main(int argc, char** argv) {

@@ -140,6 +140,7 @@ int number(std::string_view text) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Benchmarks
 
 int main(int argc, char** argv) {

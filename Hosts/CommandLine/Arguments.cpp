@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 constexpr const char* kDescription =

@@ -9,6 +9,7 @@
 #include <map>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// The methods that OpenImageIO's encoders know; they take any other for none of their business, without a word.

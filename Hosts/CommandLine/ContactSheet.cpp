@@ -14,6 +14,7 @@
 #include <sstream>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 constexpr int kLongestSideOfCell = 320;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// Calls `transfer(bytes already done)` until `size` bytes are through, the file ends (0) or an error comes up, which

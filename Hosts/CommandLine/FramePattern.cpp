@@ -8,6 +8,7 @@
 #include <string_view>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// More digits than an int has would only make long names.

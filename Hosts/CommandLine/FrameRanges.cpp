@@ -7,6 +7,7 @@
 #include <cstdint>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// Some eleven hours of film; a slip of the finger is more.

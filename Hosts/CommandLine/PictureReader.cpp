@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// OpenImageIO's own words for a file that isn't there differ from format to format.

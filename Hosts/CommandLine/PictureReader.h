@@ -10,8 +10,8 @@
 namespace Ombrique::Hosts {
 
 /// Reads one picture of any format that OpenImageIO knows. Of a file with several pictures it takes the first, of a
-/// texture the largest level. All failures are thrown as Failure and name the file, but std::bad_alloc where memory runs
-/// out.
+/// texture the largest level. All failures are thrown as Failure and name the file, but std::bad_alloc where memory
+/// runs out.
 class PictureReader {
 public:
     /// Opens the file and reads its header. A picture with a side beyond `longestSide` pixels, the driver's limit, is

@@ -11,6 +11,7 @@
 #include <string_view>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// A rectangle of pixels, in the coordinates of the display.

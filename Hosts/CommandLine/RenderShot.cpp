@@ -9,6 +9,7 @@
 #include <thread>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 class ShotRun {

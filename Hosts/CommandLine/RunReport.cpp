@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 using namespace std::chrono_literals;

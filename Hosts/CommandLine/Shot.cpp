@@ -6,6 +6,7 @@
 #include <system_error>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// Files appear whole, so one that is there and holds anything is done.

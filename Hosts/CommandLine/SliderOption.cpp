@@ -10,6 +10,7 @@
 #include <sstream>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 std::string optionName(std::string_view label) {

@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 /// 0, or the error number.

@@ -3,6 +3,7 @@
 #include <csignal>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM};

@@ -15,6 +15,7 @@
 #include <new>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 enum ExitStatus { kDone = 0, kFailed = 1, kWrongCommandLine = 2 };
@@ -115,6 +116,7 @@ int runGuarded(int count, const char* const* words) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Hosts
 
 int main(int count, char** words) {

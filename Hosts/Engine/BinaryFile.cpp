@@ -9,6 +9,7 @@
 #include <vector>
 
 namespace Ombrique::Hosts {
+
 namespace {
 
 using Header = ElfW(Ehdr);

@@ -2,12 +2,12 @@
 
 #include "Hosts/Engine/PluginBundle.h"
 
+#include <plist/plist.h>
+
 #include <fstream>
 #include <iterator>
 #include <limits>
 #include <utility>
-
-#include <plist/plist.h>
 
 namespace Ombrique::Hosts {
 

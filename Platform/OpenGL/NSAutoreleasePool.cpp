@@ -5,6 +5,7 @@
 #include <cassert>
 
 namespace {
+
 thread_local NSAutoreleasePool* tInnermost = nullptr;
 }
 

@@ -7,6 +7,7 @@
 #include <thread>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -103,4 +104,5 @@ TEST_F(AllocationFaults, OfSetUpAndSetDown) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -3,6 +3,7 @@
 #include <cstring>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -126,4 +127,5 @@ TEST(Commands, AFailingLayerCheckoutIsTheResult) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

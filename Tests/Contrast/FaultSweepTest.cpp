@@ -4,6 +4,7 @@
 #include <set>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -13,21 +14,18 @@ constexpr FaultKind kKinds[] = {FaultKind::Refuse, FaultKind::GiveNothing, Fault
 /// What a frame returns whose n-th call failed.
 PF_Err expectedResult(const std::string& call, FaultKind kind) {
     const auto is = [&call](const char* name) { return call.rfind(name, 0) == 0; };
-    if (is("ReleaseSuite") || is("host_unlock_handle") || is("host_dispose_handle")) {
+    if (is("ReleaseSuite") || is("host_unlock_handle") || is("host_dispose_handle"))
         return PF_Err_NONE;
-    }
-    if (is("checkin_param")) {
+    if (is("checkin_param"))
         return kind == FaultKind::GiveNothing ? PF_Err_NONE : kInjectedError;
-    }
     if (kind == FaultKind::GiveNothing) {
         // No world is nothing to do, no slider counts as 0, and suites that are only held aren't missed. A layer that
         // wasn't checked out has no pixels, says the host.
         const bool missed = is("get_pixel_data8") || is("host_") || is("AcquireSuite PF Handle Suite");
         return missed || is("checkout_layer 0") ? PF_Err_BAD_CALLBACK_PARAM : PF_Err_NONE;
     }
-    if (kind == FaultKind::Misreport && is("get_pixel_data8")) {
+    if (kind == FaultKind::Misreport && is("get_pixel_data8"))
         return PF_Err_NONE; // what is given counts, not the code
-    }
     return is("checkout_") ? kInjectedError : PF_Err_BAD_CALLBACK_PARAM;
 }
 
@@ -50,9 +48,8 @@ TEST(FaultSweep, EachCallOfAFrame) {
             const FrameResult result = render(plan);
             tried += plan.fired();
             EXPECT_TRUE(result.findings.empty()) << result.describe();
-            if (plan.fired() > 0) {
+            if (plan.fired() > 0)
                 EXPECT_EQ(result.error, expectedResult(call, kind));
-            }
             harness.expectRight(input, 1.4, 5.0);
         }
     }
@@ -111,4 +108,5 @@ TEST(FaultSweep, SlidersThatFailAreZeroAndTheFirstErrorStands) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -3,6 +3,7 @@
 #include <limits>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -132,4 +133,5 @@ TEST(Frame, IsRefusedOutsideSetupAndRightAgainAfterwards) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -1,4 +1,5 @@
 #include "Tests/Support/HostContext.h"
+
 #include "Tests/Support/EffectHarness.h"
 #include "Tests/Support/OpenGLObjects.h"
 
@@ -7,6 +8,7 @@
 #include <vector>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -93,4 +95,5 @@ TEST_P(HostContextTest, IsBackAfterEachCommandAlsoAfterAFailingOne) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -8,6 +8,7 @@
 #include <limits>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -194,4 +195,5 @@ TEST(HostileDriverDeathTest, GivesNoContext) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -6,6 +6,7 @@
 #include <vector>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -31,17 +32,15 @@ TEST(Threads, FramesThatMoveBetweenThreads) {
     const EffectHarness harness;
     std::mt19937 random(2024);
     std::vector<int> turns;
-    for (int frame = 0; frame < kFrames; ++frame) {
+    for (int frame = 0; frame < kFrames; ++frame)
         turns.push_back(static_cast<int>(random() % kThreads));
-    }
     std::barrier nextFrame(kThreads);
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&, thread] {
             for (int frame = 0; frame < kFrames; ++frame) {
-                if (turns[static_cast<std::size_t>(frame)] == thread) {
+                if (turns[static_cast<std::size_t>(frame)] == thread)
                     EXPECT_EQ(renderOne(harness.effect, static_cast<unsigned>(frame)), "") << "frame " << frame;
-                }
                 nextFrame.arrive_and_wait();
             }
         });
@@ -53,9 +52,8 @@ TEST(Threads, FramesThatOverlap) {
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&, thread] {
-            for (int frame = thread; frame < kFrames; frame += kThreads) {
+            for (int frame = thread; frame < kFrames; frame += kThreads)
                 EXPECT_EQ(renderOne(harness.effect, static_cast<unsigned>(frame)), "") << "frame " << frame;
-            }
         });
     }
 }
@@ -93,4 +91,5 @@ TEST(Threads, OutliveASetdown) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

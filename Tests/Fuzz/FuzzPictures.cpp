@@ -10,6 +10,7 @@
 // Reads any bytes as a picture. The first byte of an input is a place in kFormats, the others are the file. Either a
 // whole picture comes out or a Failure that names the file.
 namespace Ombrique::Tests {
+
 namespace {
 
 /// Places in this list stand in the corpus: new ones go to the end.
@@ -48,6 +49,7 @@ const std::filesystem::path& folder() {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {

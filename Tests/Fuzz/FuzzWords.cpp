@@ -12,6 +12,7 @@
 // Reads any text as each of the small languages of the command line, and all of it as a command line, a word a line.
 // What is taken has to mean what it says.
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -73,6 +74,7 @@ void commandLine(std::string text) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests
 
 /// Of long texts, much time and little else comes.

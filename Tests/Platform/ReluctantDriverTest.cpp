@@ -5,10 +5,10 @@
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <dlfcn.h>
 #include <string>
 #include <string_view>
 

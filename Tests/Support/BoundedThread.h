@@ -1,11 +1,12 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <future>
-#include <gtest/gtest.h>
 #include <thread>
 #include <utility>
 

@@ -4,6 +4,7 @@
 #include "Tests/Support/PixelOracle.h"
 
 #include <gtest/gtest.h>
+
 #include <utility>
 
 namespace Ombrique::Tests {

@@ -38,9 +38,8 @@ double offCentreOf(const World& input) { return kPrecision * (input.width() + in
 
 /// One colour channel on its way through the premultiplied 8-bit picture between the two passes.
 Range correctedColour(int colour, int alpha, double contrast, double brightness, double offCentre) {
-    if (alpha == 0) {
+    if (alpha == 0)
         return {};
-    }
     const double corrected = (colour / 255.0 - 0.5) * contrast + 0.5 + brightness / 100.0;
     const double product = corrected * alpha;
     // What the colour's and the alpha's misses add to the product.
@@ -56,12 +55,10 @@ class Differences {
 public:
     void compare(int x, int y, const std::array<int, 4>& actual, const std::array<Range, 4>& expected) {
         int difference = 0;
-        for (std::size_t i = 0; i < 4; ++i) {
+        for (std::size_t i = 0; i < 4; ++i)
             difference = std::max({difference, expected[i].least - actual[i], actual[i] - expected[i].most});
-        }
-        if (difference == 0) {
+        if (difference == 0)
             return;
-        }
         ++mCount;
         if (difference > mWorst) {
             mWorst = difference;
@@ -69,9 +66,8 @@ public:
             text << "worst at (" << x << ", " << y << "): alpha, red, green, blue";
             for (std::size_t i = 0; i < 4; ++i) {
                 text << (i == 0 ? " " : ", ") << actual[i] << " instead of " << expected[i].least;
-                if (expected[i].most != expected[i].least) {
+                if (expected[i].most != expected[i].least)
                     text << " to " << expected[i].most;
-                }
             }
             mText = text.str();
         }
@@ -109,9 +105,8 @@ std::string compareWithOracle(const World& input, const World& output, double co
             if (x < input.width() && y < input.height()) {
                 const std::array<int, 4> source = channels(input.pixel<PF_Pixel8>(x, y));
                 expected[0] = {source[0], source[0]};
-                for (std::size_t i = 1; i < 4; ++i) {
+                for (std::size_t i = 1; i < 4; ++i)
                     expected[i] = correctedColour(source[i], source[0], contrast, brightness, offCentreOf(input));
-                }
             }
             differences.compare(x, y, channels(output.pixel<PF_Pixel8>(x, y)), expected);
         }
@@ -120,9 +115,8 @@ std::string compareWithOracle(const World& input, const World& output, double co
 }
 
 std::string comparePixels(const World& expected, const World& actual) {
-    if (expected.width() != actual.width() || expected.height() != actual.height()) {
+    if (expected.width() != actual.width() || expected.height() != actual.height())
         return "the sizes differ";
-    }
     Differences differences;
     for (int y = 0; y < actual.height(); ++y) {
         for (int x = 0; x < actual.width(); ++x) {

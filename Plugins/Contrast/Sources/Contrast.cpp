@@ -10,8 +10,9 @@
 #include "Plugins/Shared/Helper/ScopeExit.h"
 #include "Plugins/Shared/Helper/SuiteScoper.h"
 
-#include <algorithm>
 #include <glbinding/gl/gl.h>
+
+#include <algorithm>
 #include <mutex>
 #include <new>
 
@@ -93,9 +94,8 @@ PF_Err addSlider(PF_InData* in_data, const Slider& slider) {
 
 PF_Err paramsSetup(PF_InData* in_data, PF_OutData* out_data) {
     out_data->num_params = kParameterCount;
-    if (const PF_Err error = addSlider(in_data, kContrastSlider); error != PF_Err_NONE) {
+    if (const PF_Err error = addSlider(in_data, kContrastSlider); error != PF_Err_NONE)
         return error;
-    }
     return addSlider(in_data, kBrightnessSlider);
 }
 
@@ -134,13 +134,11 @@ PF_Err globalSetup(PF_OutData* out_data) {
     out_data->out_flags2 = kOutFlags2;
 
     const std::lock_guard lock(frameLock);
-    if (AEOpenGLContextManager::getSharedDataContext() != nullptr) {
+    if (AEOpenGLContextManager::getSharedDataContext() != nullptr)
         return PF_Err_NONE;
-    }
     // First, since the shared data context is what tells that the effect is set up.
-    if (mWarpRender == nullptr) {
+    if (mWarpRender == nullptr)
         mWarpRender = new ContrastRender;
-    }
     const HostContext hostContext;
     AEOpenGLContextManager::setupContextManager();
     if (!AEOpenGLContextManager::getSharedDataContext()->isValid()) {
@@ -152,9 +150,8 @@ PF_Err globalSetup(PF_OutData* out_data) {
 
 PF_Err globalSetdown() {
     const std::lock_guard lock(frameLock);
-    if (AEOpenGLContextManager::getSharedDataContext() == nullptr) {
+    if (AEOpenGLContextManager::getSharedDataContext() == nullptr)
         return PF_Err_NONE;
-    }
     const HostContext hostContext;
     AEOpenGLContextManager::getSharedDataContext()->makeContextCurrent();
     AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
@@ -168,9 +165,8 @@ PF_Err globalSetdown() {
 /// `firstError` holds an error, and `firstError` keeps the first one.
 float sliderValue(PF_InData* in_data, std::int32_t index, PF_Err& firstError) {
     const auto record = [&firstError](PF_Err error) {
-        if (firstError == PF_Err_NONE) {
+        if (firstError == PF_Err_NONE)
             firstError = error;
-        }
     };
     PF_ParamDef def{};
     if (firstError == PF_Err_NONE) {
@@ -184,16 +180,14 @@ float sliderValue(PF_InData* in_data, std::int32_t index, PF_Err& firstError) {
 
 /// Refuses frames that come before global setup or after global setdown.
 void requireSetup() {
-    if (AEOpenGLContextManager::getSharedDataContext() == nullptr) {
+    if (AEOpenGLContextManager::getSharedDataContext() == nullptr)
         refuse();
-    }
 }
 
 void makeRenderContextCurrent() {
     AEOpenGLContext* const context = AEOpenGLContextManager::getCurrentRenderContext();
-    if (!context->isValid()) {
+    if (!context->isValid())
         refuse();
-    }
     context->makeContextCurrent();
 }
 
@@ -204,9 +198,8 @@ void requireSize(const PF_LayerDef& world) {
         gl::glGetIntegerv(gl::GL_MAX_TEXTURE_SIZE, &size);
         return size;
     }();
-    if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most) {
+    if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most)
         refuse();
-    }
 }
 
 /// Uploads the input, corrects it and leaves the finished picture bound for reading.
@@ -263,15 +256,12 @@ PF_Err smartRender(PF_InData* in_data, PF_SmartRenderExtra* extra) {
     PF_LayerDef* input = nullptr;
     PF_LayerDef* output = nullptr;
     if (const PF_Err error = extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input);
-        error != PF_Err_NONE) {
+        error != PF_Err_NONE)
         return error;
-    }
-    if (const PF_Err error = extra->cb->checkout_output(in_data->effect_ref, &output); error != PF_Err_NONE) {
+    if (const PF_Err error = extra->cb->checkout_output(in_data->effect_ref, &output); error != PF_Err_NONE)
         return error;
-    }
-    if (output == nullptr) {
+    if (output == nullptr)
         return PF_Err_NONE;
-    }
     if (input == nullptr) {
         AEOpenGLUtilities::ClearWorld(output, in_data, PF_PixelFormat_ARGB32);
         return PF_Err_NONE;

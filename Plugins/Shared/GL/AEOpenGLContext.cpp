@@ -16,6 +16,7 @@
 #include <iostream>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 /// The pixel format of every context. The frame buffer that it describes is never drawn to, so it has no alpha, depth

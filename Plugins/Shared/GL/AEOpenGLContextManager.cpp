@@ -3,6 +3,7 @@
 #include "Plugins/Shared/GL/AEOpenGLContext.h"
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 /// The calling thread's id, -1 as long as it has none.

@@ -3,9 +3,10 @@
 #include "Plugins/Shared/Helper/ScopeExit.h"
 #include "Plugins/Shared/Helper/SuiteScoper.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <algorithm>
 #include <cstddef>
-#include <glbinding/gl/gl.h>
 #include <vector>
 
 using namespace gl;
@@ -44,9 +45,8 @@ struct Depth16 {
 template <typename Depth> typename Depth::Pixel* pixelStart(PF_InData* in_data, PF_LayerDef* world) {
     typename Depth::Pixel* pixels = nullptr;
     Depth::start(in_data, world, &pixels);
-    if (pixels == nullptr) {
+    if (pixels == nullptr)
         throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM};
-    }
     return pixels;
 }
 
@@ -83,11 +83,10 @@ void uploadPixels(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSi
     pixelSize = sizeof(typename Depth::Pixel);
     multiplier = Depth::kMultiplier;
     const typename Depth::Pixel* const pixels = pixelStart<Depth>(in_data, input);
-    if (input->rowbytes < 0) {
+    if (input->rowbytes < 0)
         fillTextureUpwards<Depth>(*input, pixels);
-    } else {
+    else
         fillTexture(*input, input->rowbytes >> Depth::kPixelSizeShift, glType, pixels);
-    }
 }
 
 /// Runs `callback` over `source` and `destination`, and throws the host's error.
@@ -95,9 +94,8 @@ void iterateFloat(PF_InData* in_data, PF_LayerDef* source, PF_LayerDef* destinat
                   PF_IteratePixelFloatFunc callback) {
     const SuiteScoper<PF_iterateFloatSuite1> suite(in_data, "PF iterateFloat Suite", 1, nullptr, nullptr);
     const PF_Err error = suite->iterate(in_data, 0, source->height, source, nullptr, &refcon, callback, destination);
-    if (error != PF_Err_NONE) {
+    if (error != PF_Err_NONE)
         throw std::int32_t{error};
-    }
 }
 
 void uploadFloats(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSize, GLenum& glType) {
@@ -137,9 +135,8 @@ void clearFloats(PF_InData* in_data, PF_LayerDef* output) {
 }
 
 void downloadFloats(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, void* picture) {
-    if (output->width > input->width || output->height > input->height) {
+    if (output->width > input->width || output->height > input->height)
         clearFloats(in_data, output);
-    }
     CopyPixelFloatRefcon refcon{static_cast<PF_PixelFloat*>(picture), input};
     iterateFloat(in_data, input, output, refcon, AEOpenGLUtilities::CopyPixelFloatOut);
 }
@@ -188,14 +185,12 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
                                         GLenum glType) {
     const SuiteScoper<PF_HandleSuite1> handles(in_data, "PF Handle Suite", 2, nullptr, nullptr);
     const PF_Handle handle = handles->host_new_handle(std::uint64_t{width * height} * pixelSize);
-    if (handle == nullptr) {
+    if (handle == nullptr)
         throw std::int32_t{PF_Err_OUT_OF_MEMORY};
-    }
     const ScopeExit dispose([&] { handles->host_dispose_handle(handle); });
     void* picture = handles->host_lock_handle(handle);
-    if (picture == nullptr) {
+    if (picture == nullptr)
         throw std::int32_t{PF_Err_OUT_OF_MEMORY};
-    }
     const ScopeExit unlock([&] { handles->host_unlock_handle(handle); });
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, glType, picture);

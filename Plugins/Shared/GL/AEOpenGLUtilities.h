@@ -2,8 +2,9 @@
 
 #include "Platform/HostInterface/HostInterface.h"
 
-#include <cstdint>
 #include <glbinding/gl/enum.h>
+
+#include <cstdint>
 #include <string>
 
 namespace Ombrique::GaussianBlur {

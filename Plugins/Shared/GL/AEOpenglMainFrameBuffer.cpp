@@ -3,9 +3,10 @@
 #include "Plugins/Shared/Helper/ScopeExit.h"
 #include "Plugins/Shared/Math/Vec2.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <algorithm>
 #include <cstddef>
-#include <glbinding/gl/gl.h>
 #include <memory>
 
 using namespace gl;
@@ -40,9 +41,8 @@ unsigned createTexture(const Vec2& size, GLenum internalFormat, GLenum minificat
     glBindTexture(GL_TEXTURE_2D, texture);
     const ScopeExit unbind([] { glBindTexture(GL_TEXTURE_2D, 0); });
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, minification);
-    if (!isMipmapFilter(minification)) {
+    if (!isMipmapFilter(minification))
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, minification);
-    }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     const auto zeros = std::make_unique<std::byte[]>(static_cast<std::size_t>(size.x * size.y * 4.0));
@@ -83,9 +83,8 @@ bool AEOpenglMainFrameBuffer::isPrepared(long width, long height) const {
 }
 
 void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample) {
-    if (mScreenRender == nullptr) {
+    if (mScreenRender == nullptr)
         mScreenRender = new ScreenRender;
-    }
     if (isPrepared(width, height)) {
         createFrameBuffers();
         return;
@@ -119,9 +118,8 @@ void AEOpenglMainFrameBuffer::destory() {
 /// Makes the current context's set, unless it has one for the prepared size.
 void AEOpenglMainFrameBuffer::createFrameBuffers() {
     FrameBuffers& own = mFrameBuffers.current();
-    if (own.mGeneration == mGeneration) {
+    if (own.mGeneration == mGeneration)
         return;
-    }
     deleteFrameBuffers();
     glGenFramebuffers(1, &own.mFrameBuffer);
     if (mMultisample) {
@@ -133,9 +131,8 @@ void AEOpenglMainFrameBuffer::createFrameBuffers() {
 
 void AEOpenglMainFrameBuffer::deleteFrameBuffers() {
     FrameBuffers* const own = mFrameBuffers.find();
-    if (own == nullptr) {
+    if (own == nullptr)
         return;
-    }
     deleteFrameBuffer(own->mResolveFrameBuffer);
     deleteFrameBuffer(own->mFrameBuffer);
     deleteFrameBuffer(own->mMultisampleFrameBuffer);
@@ -150,9 +147,8 @@ unsigned AEOpenglMainFrameBuffer::workingFrameBuffer() {
 void AEOpenglMainFrameBuffer::clearStack() {
     for (const unsigned colour : mRenderBufferStack) {
         glDeleteRenderbuffers(1, &colour);
-        if (const auto stencil = mStencilBuffers.find(colour); stencil != mStencilBuffers.end()) {
+        if (const auto stencil = mStencilBuffers.find(colour); stencil != mStencilBuffers.end())
             glDeleteRenderbuffers(1, &stencil->second);
-        }
     }
     mRenderBufferStack.clear();
     mStencilBuffers.clear();
@@ -161,18 +157,16 @@ void AEOpenglMainFrameBuffer::clearStack() {
 void AEOpenglMainFrameBuffer::beginDrawing() {
     glDrawBuffer(GL_COLOR_ATTACHMENT0);
     glDisable(GL_BLEND);
-    if (mMultisample) {
+    if (mMultisample)
         glEnable(GL_MULTISAMPLE);
-    }
     pushRenderContext(false, false);
     glViewport(0, 0, static_cast<GLsizei>(mWidth), static_cast<GLsizei>(mHeight));
 }
 
 void AEOpenglMainFrameBuffer::endDrawing(float multiplier) {
     unsigned texture = popRenderContext();
-    if (texture == 0) {
+    if (texture == 0)
         return;
-    }
     const ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
     glBindFramebuffer(GL_FRAMEBUFFER, mFrameBuffers.current().mFrameBuffer);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mMainRenderBuffer);
@@ -189,18 +183,16 @@ unsigned AEOpenglMainFrameBuffer::createRenderBuffer(unsigned format) const {
     glBindRenderbuffer(GL_RENDERBUFFER, name);
     const auto width = static_cast<GLsizei>(mWidth);
     const auto height = static_cast<GLsizei>(mHeight);
-    if (mMultisample) {
+    if (mMultisample)
         glRenderbufferStorageMultisample(GL_RENDERBUFFER, mSamples, static_cast<GLenum>(format), width, height);
-    } else {
+    else
         glRenderbufferStorage(GL_RENDERBUFFER, static_cast<GLenum>(format), width, height);
-    }
     return name;
 }
 
 void AEOpenglMainFrameBuffer::pushRenderContext(bool, bool stencil) {
-    if (mSamples == 0) {
+    if (mSamples == 0)
         mSamples = offeredSamples();
-    }
     mRenderBufferStack.reserve(mRenderBufferStack.size() + 1);
     const unsigned colour = createRenderBuffer(static_cast<unsigned>(GL_RGBA));
     ScopeExit deleteColour([&] { glDeleteRenderbuffers(1, &colour); });
@@ -217,15 +209,13 @@ void AEOpenglMainFrameBuffer::pushRenderContext(bool, bool stencil) {
 }
 
 unsigned AEOpenglMainFrameBuffer::popRenderContext() {
-    if (mRenderBufferStack.empty()) {
+    if (mRenderBufferStack.empty())
         return 0;
-    }
     const unsigned texture = createRenderTexture(false);
     copyTop(texture);
     deleteTop();
-    if (!mRenderBufferStack.empty()) {
+    if (!mRenderBufferStack.empty())
         attachTop();
-    }
     return texture;
 }
 
@@ -279,9 +269,8 @@ void AEOpenglMainFrameBuffer::popNormalRenderContext() {
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glDeleteFramebuffers(1, &temporary);
-    if (mRenderBufferStack.empty()) {
+    if (mRenderBufferStack.empty())
         return;
-    }
     attachTop();
     const GLenum drawBuffer = GL_COLOR_ATTACHMENT0;
     glDrawBuffers(1, &drawBuffer);

@@ -1,8 +1,9 @@
 #include "Plugins/Shared/GL/FullTargetQuad.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <array>
 #include <cstdint>
-#include <glbinding/gl/gl.h>
 
 using namespace gl;
 
@@ -40,12 +41,10 @@ const float* offset(int floats) {
 } // namespace
 
 FullTargetQuad::~FullTargetQuad() {
-    if (const unsigned* const vertexArray = mVertexArray.find(); vertexArray && *vertexArray != 0) {
+    if (const unsigned* const vertexArray = mVertexArray.find(); vertexArray && *vertexArray != 0)
         glDeleteVertexArrays(1, vertexArray);
-    }
-    if (mVertexBuffer != 0) {
+    if (mVertexBuffer != 0)
         glDeleteBuffers(1, &mVertexBuffer);
-    }
 }
 
 void FullTargetQuad::bindAttributes(OpenglShader& shader) {
@@ -72,11 +71,10 @@ unsigned FullTargetQuad::makeVertexObjects() {
     if (mVertexBuffer == 0) {
         glGenBuffers(1, &mVertexBuffer);
         glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
-        if (mPositionComponents == 2) {
+        if (mPositionComponents == 2)
             glBufferData(GL_ARRAY_BUFFER, sizeof(kFlatVertices), kFlatVertices.data(), GL_STATIC_DRAW);
-        } else {
+        else
             glBufferData(GL_ARRAY_BUFFER, sizeof(kDeepVertices), kDeepVertices.data(), GL_STATIC_DRAW);
-        }
     }
     return vertexArray;
 }
@@ -87,11 +85,10 @@ void FullTargetQuad::begin(OpenglShader& shader) {
     glBindVertexArray(vertexArray);
     glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
     const int stride = (mPositionComponents + kTextureCoordinateComponents) * static_cast<int>(sizeof(float));
-    if (mPositionComponents == 2) {
+    if (mPositionComponents == 2)
         shader.setAttribute2fv(kPositionLocation, offset(0), stride);
-    } else {
+    else
         shader.setAttribute3fv(kPositionLocation, offset(0), stride);
-    }
     shader.setAttribute2fv(kTextureCoordinateLocation, offset(mPositionComponents), stride);
 }
 

@@ -2,10 +2,11 @@
 
 #include "Plugins/Shared/Helper/ScopeExit.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <glbinding/gl/gl.h>
 #include <span>
 
 using namespace gl;
@@ -29,11 +30,10 @@ template <typename Read> void printLog(Read read, unsigned object, const char* f
     GLsizei length = 0;
     read(object, kLogBytes, &length, log.data());
     log[static_cast<std::size_t>(std::min(length, kLogBytes))] = '\0';
-    if (stage != nullptr) {
+    if (stage != nullptr)
         std::printf(format, stage, log.data());
-    } else {
+    else
         std::printf(format, log.data());
-    }
 }
 
 void dumpShaderErrorS(unsigned shader, const char* stage) {
@@ -48,32 +48,27 @@ bool compile(const Stage& stage) {
     glCompileShader(stage.shader);
     GLint status = 0;
     glGetShaderiv(stage.shader, GL_COMPILE_STATUS, &status);
-    if (status != 1) {
+    if (status != 1)
         dumpShaderErrorS(stage.shader, stage.name);
-    }
     return status == 1;
 }
 
 bool link(unsigned program, std::span<const Stage> stages, const std::map<std::string, int>& attributeBindings) {
-    for (const Stage& stage : stages) {
+    for (const Stage& stage : stages)
         glAttachShader(program, stage.shader);
-    }
-    for (const auto& [name, location] : attributeBindings) {
+    for (const auto& [name, location] : attributeBindings)
         glBindAttribLocation(program, static_cast<GLuint>(location), name.c_str());
-    }
     glLinkProgram(program);
     GLint status = 0;
     glGetProgramiv(program, GL_LINK_STATUS, &status);
-    if (status != 1) {
+    if (status != 1)
         dumpProgramError(program);
-    }
     return status == 1;
 }
 
 void detach(unsigned program, std::span<const Stage> stages) {
-    for (const Stage& stage : stages) {
+    for (const Stage& stage : stages)
         glDetachShader(program, stage.shader);
-    }
 }
 
 void describeAttribute(int location, int components, GLenum type, const void* pointer, int stride) {
@@ -83,9 +78,8 @@ void describeAttribute(int location, int components, GLenum type, const void* po
 
 /// The same, but for an attribute that the program may not have.
 void describeKnownAttribute(int location, int components, GLenum type, const void* pointer, int stride) {
-    if (location != -1) {
+    if (location != -1)
         describeAttribute(location, components, type, pointer, stride);
-    }
 }
 
 } // namespace
@@ -98,9 +92,8 @@ OpenglShader::OpenglShader(const std::string& vertexSource, const std::string& f
     : mVertexSource(vertexSource), mFragmentSource(fragmentSource), mGeometrySource(geometrySource) {}
 
 OpenglShader::~OpenglShader() {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         glDeleteProgram(mProgram);
-    }
 }
 
 void OpenglShader::addAttributeBinding(const std::string& name, int location) {
@@ -111,18 +104,15 @@ void OpenglShader::buildShader() {
     std::array<Stage, 3> storage{{{"vert", &mVertexSource, glCreateShader(GL_VERTEX_SHADER)},
                                   {"frag", &mFragmentSource, glCreateShader(GL_FRAGMENT_SHADER)},
                                   {"geo", &mGeometrySource, 0}}};
-    if (!mGeometrySource.empty()) {
+    if (!mGeometrySource.empty())
         storage[2].shader = glCreateShader(GL_GEOMETRY_SHADER);
-    }
     const std::span<const Stage> stages(storage.data(), mGeometrySource.empty() ? 2 : 3);
     const ScopeExit deleteShaders([stages] {
-        for (const Stage& stage : stages) {
+        for (const Stage& stage : stages)
             glDeleteShader(stage.shader);
-        }
     });
-    if (!std::all_of(stages.begin(), stages.end(), compile)) {
+    if (!std::all_of(stages.begin(), stages.end(), compile))
         return;
-    }
     const GLuint program = glCreateProgram();
     if (!link(program, stages, mAttributeBindings)) {
         glDeleteProgram(program);
@@ -133,9 +123,8 @@ void OpenglShader::buildShader() {
 }
 
 void OpenglShader::useProgram() {
-    if (mProgram == 0) {
+    if (mProgram == 0)
         buildShader();
-    }
     glUseProgram(mProgram);
 }
 
@@ -148,9 +137,8 @@ int OpenglShader::getAttributeLocation(const std::string& name) const {
 }
 
 void OpenglShader::setUniformTexture(const std::string& name, int target, int texture, int unit) const {
-    if (mProgram == 0) {
+    if (mProgram == 0)
         return;
-    }
     glActiveTexture(GL_TEXTURE0 + static_cast<unsigned>(unit));
     glBindTexture(static_cast<GLenum>(target), static_cast<GLuint>(texture));
     setUniform1i(name, unit);
@@ -221,73 +209,61 @@ void OpenglShader::setUniform4fv(const std::string& name, const float* values, i
 }
 
 void OpenglShader::setAttribute1iv(int location, const int* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(location, 1, GL_INT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute1fv(const std::string& name, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(getAttributeLocation(name), 1, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute1fv(int location, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(location, 1, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute2fv(const std::string& name, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(getAttributeLocation(name), 2, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute2fv(int location, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeAttribute(location, 2, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute3fv(const std::string& name, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(getAttributeLocation(name), 3, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute3fv(int location, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeAttribute(location, 3, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute4fv(const std::string& name, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(getAttributeLocation(name), 4, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::setAttribute4fv(int location, const float* pointer, int stride) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         describeKnownAttribute(location, 4, GL_FLOAT, pointer, stride);
-    }
 }
 
 void OpenglShader::disableVertexAttributeArray(int location) {
-    if (mProgram != 0) {
+    if (mProgram != 0)
         glDisableVertexAttribArray(static_cast<GLuint>(location));
-    }
 }
 
 void OpenglShader::disableVertexAttributeArray(const std::string& name) {
-    if (mProgram == 0) {
+    if (mProgram == 0)
         return;
-    }
     const int location = getAttributeLocation(name);
-    if (location != -1) {
+    if (location != -1)
         glDisableVertexAttribArray(static_cast<GLuint>(location));
-    }
 }
 
 } // namespace Ombrique::GaussianBlur

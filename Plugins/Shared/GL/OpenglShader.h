@@ -101,9 +101,8 @@ private:
     /// Calls `call` with the uniform's location, where there is one.
     template <typename Call> void withUniform(const std::string& name, Call call) const {
         const int location = getUniformLocation(name);
-        if (location != -1) {
+        if (location != -1)
             call(location);
-        }
     }
 
     std::string mVertexSource;

@@ -1,5 +1,4 @@
 #include "Plugins/Shared/GL/OpenglShader.h"
-
 #include "Plugins/Shared/Math/Affine.h"
 #include "Plugins/Shared/Math/Color.h"
 #include "Plugins/Shared/Math/Mat4.h"
@@ -7,10 +6,11 @@
 #include "Plugins/Shared/Math/Vec3.h"
 #include "Plugins/Shared/Math/Vec4.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <glbinding/gl/gl.h>
 #include <memory>
 
 namespace Ombrique::GaussianBlur {
@@ -51,9 +51,8 @@ void OpenglShader::setUniformMatrix3f(const std::string& name, Affine* matrices,
     withUniform(name, [=](int location) {
         const auto matrixCount = static_cast<std::size_t>(count);
         const auto floats = std::make_unique<float[]>(kFloatsOfMatrix3 * matrixCount);
-        for (std::size_t i = 0; i < matrixCount; ++i) {
+        for (std::size_t i = 0; i < matrixCount; ++i)
             writeColumns(matrices[i], &floats[kFloatsOfMatrix3 * i]);
-        }
         gl::glUniformMatrix3fv(location, count, gl::GL_FALSE, floats.get());
     });
 }

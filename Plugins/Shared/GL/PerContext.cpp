@@ -7,6 +7,7 @@
 #include <set>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 struct LivingTables {

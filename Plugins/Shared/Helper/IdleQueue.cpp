@@ -5,6 +5,7 @@
 #include <utility>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 auto hold(Semaphore& lock) {

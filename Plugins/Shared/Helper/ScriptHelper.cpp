@@ -8,6 +8,7 @@
 #include <iterator>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 // Null where there is no memory, or where the host can't lock it.

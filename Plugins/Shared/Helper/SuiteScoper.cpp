@@ -4,6 +4,7 @@
 #include <cstdio>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 struct SuiteId {

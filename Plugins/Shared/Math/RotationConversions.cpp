@@ -178,12 +178,11 @@ void Euler::setWithMat4(const Mat4& matrix, RotationOrder newOrder) {
         angles[outer.axis] = std::atan2(sign * m[outer.sine], m[outer.cosine]);
     };
     angles[extraction.middleAxis] = std::asin(extraction.sign * clamp(key, -1.0, 1.0));
-    if (kGimbalLock > std::fabs(key)) {
+    if (kGimbalLock > std::fabs(key))
         for (const auto& outer : extraction.general)
             setOuter(outer, -extraction.sign);
-    } else {
+    else
         setOuter(extraction.locked, extraction.sign);
-    }
     set(angles[0], angles[1], angles[2], order);
 }
 

@@ -17,6 +17,7 @@
 int ombriqueRender(int count, char** words);
 
 namespace Ombrique::Tests {
+
 namespace {
 
 /// Runs of the program, each in a process of its own, in one of whose allocations there is no memory left.
@@ -157,4 +158,5 @@ INSTANTIATE_TEST_SUITE_P(Uses, CommandFaults, testing::Range<std::size_t>(0, std
                          [](const auto& use) { return kUses[use.param].name; });
 
 } // namespace
+
 } // namespace Ombrique::Tests

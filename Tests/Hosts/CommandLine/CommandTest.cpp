@@ -7,6 +7,7 @@
 #include <algorithm>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 /// A header and no pixels: cards of 80 characters in blocks of 36.
@@ -156,4 +157,5 @@ TEST_F(Command, LoadsTheBundleThatTheEnvironmentNames) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 // Some encoders refuse the very smallest pictures.
@@ -112,4 +113,5 @@ TEST(FormatsTest, MetadataComesAlong) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

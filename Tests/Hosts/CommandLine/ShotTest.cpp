@@ -14,6 +14,7 @@
 #include <thread>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -255,4 +256,5 @@ TEST_F(Shot, KeepsTheCompressionOfTheFormatOrTakesTheOneAskedFor) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

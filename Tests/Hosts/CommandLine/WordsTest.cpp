@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace Hosts;
@@ -115,4 +116,5 @@ TEST_F(Slider, RefusesBadKeys) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -1,4 +1,5 @@
 #include "Hosts/Engine/Effect.h"
+
 #include "Tests/Hosts/Engine/TestPlugin.h"
 
 #include <gtest/gtest.h>

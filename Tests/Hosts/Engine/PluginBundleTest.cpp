@@ -1,4 +1,5 @@
 #include "Hosts/Engine/PluginBundle.h"
+
 #include "Hosts/Engine/Effect.h"
 #include "Tests/Hosts/Engine/TestBundle.h"
 

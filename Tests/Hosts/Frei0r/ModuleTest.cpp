@@ -1,10 +1,11 @@
 #include "Tests/Hosts/Frei0r/RawFrames.h"
 #include "Tests/Support/HostContext.h"
 
+#include <gtest/gtest.h>
+
 #include <barrier>
 #include <cmath>
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <limits>
 #include <random>
@@ -15,6 +16,7 @@ extern "C" {
 }
 
 namespace Ombrique::Tests {
+
 namespace {
 
 /// The module as a tool loads it.
@@ -238,4 +240,5 @@ TEST(Frei0rModule, LeavesStandardOutputToTheTool) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -1,13 +1,15 @@
 #include "Tests/Hosts/Frei0r/RawFrames.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <regex>
 #include <sys/wait.h>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 /// The settings of a frame, by its number.
@@ -208,4 +210,5 @@ TEST_F(Frei0rTools, TheInstalledModuleFindsTheInstalledBundle) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

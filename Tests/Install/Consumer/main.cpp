@@ -6,10 +6,11 @@
 #include "Plugins/Shared/Helper/IdleQueue.h"
 #include "Plugins/Shared/Math/Vec2.h"
 
+#include <glbinding/gl/gl.h>
+
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <glbinding/gl/gl.h>
 
 using namespace Ombrique::GaussianBlur;
 using Pixel = std::array<float, 4>;

@@ -1,6 +1,7 @@
 #include "Tests/Shared/GL/PipelineFixture.h"
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace GaussianBlur;
@@ -23,9 +24,8 @@ protected:
     }
 
     static void expectTexel(const Texel& actual, const Texel& expected) {
-        for (std::size_t channel = 0; channel < 4; ++channel) {
+        for (std::size_t channel = 0; channel < 4; ++channel)
             EXPECT_NEAR(actual[channel], expected[channel], kTolerance) << "channel " << channel;
-        }
     }
 
     static void expectPainted(unsigned texture, float red, float green) {
@@ -152,12 +152,12 @@ TEST_P(MainFrameBufferTest, EachContextHasItsOwnSetAndKeepsItWhileTheSizeStays) 
         drawIn(second, kWidth + size);
     }
     int living = 0;
-    for (unsigned name = 1; name < 500; ++name) {
+    for (unsigned name = 1; name < 500; ++name)
         living += gl::glIsFramebuffer(name) == gl::GL_TRUE ? 1 : 0;
-    }
     EXPECT_LE(living, 2 * 3);
     context.makeContextCurrent();
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -10,6 +10,7 @@
 #include <string>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace GaussianBlur;
@@ -99,4 +100,5 @@ TEST_F(MathFormsTest, AMipLevelIsRenderedAtItsSize) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -1,9 +1,11 @@
 #include "Plugins/Shared/GL/OpenglShader.h"
+
 #include "Tests/Shared/GL/PipelineFixture.h"
 
 #include <string>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace GaussianBlur;
@@ -27,9 +29,8 @@ protected:
     /// Shaders and programs have their names in common.
     static int livingObjects() {
         int count = 0;
-        for (unsigned name = 1; name < 200; ++name) {
+        for (unsigned name = 1; name < 200; ++name)
             count += gl::glIsShader(name) == gl::GL_TRUE || gl::glIsProgram(name) == gl::GL_TRUE ? 1 : 0;
-        }
         return count;
     }
 
@@ -127,4 +128,5 @@ TEST_F(OpenglShaderTest, UniformsArriveInTheirOrder) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

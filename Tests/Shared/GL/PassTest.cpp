@@ -4,6 +4,7 @@
 #include "Tests/Shared/GL/PipelineFixture.h"
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace GaussianBlur;
@@ -68,9 +69,8 @@ TEST_F(PassTest, ScreenBringsBackTheHostsLayout) {
     for (const float multiplier : {1.0F, 65535.0F / 32768.0F}) {
         expectDraws(pass, multiplier, [multiplier](const Texel& picture) {
             const double alpha = picture[3];
-            if (alpha == 0.0) {
+            if (alpha == 0.0)
                 return std::array{0.0, 0.0, 0.0, 0.0};
-            }
             return std::array{alpha / multiplier, picture[0] / alpha / multiplier, picture[1] / alpha / multiplier,
                               picture[2] / alpha / multiplier};
         });
@@ -79,9 +79,8 @@ TEST_F(PassTest, ScreenBringsBackTheHostsLayout) {
 
 TEST_F(PassTest, BackgroundPremultipliesWithoutACorrection) {
     BackgroundRender pass;
-    for (const float multiplier : {1.0F, 1.5F}) {
+    for (const float multiplier : {1.0F, 1.5F})
         expectDraws(pass, multiplier, [multiplier](const Texel& host) { return premultiplied(host, multiplier); });
-    }
 }
 
 /// A pass that was first drawn in one context draws in another, which doesn't know its vertex array.
@@ -97,4 +96,5 @@ TEST_F(PassTest, OnePassServesTwoContextsInTurn) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

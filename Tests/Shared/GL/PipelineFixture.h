@@ -3,10 +3,11 @@
 #include "Plugins/Shared/GL/AEOpenGLContext.h"
 #include "Plugins/Shared/GL/AEOpenglMainFrameBuffer.h"
 
-#include <array>
-#include <cstddef>
 #include <glbinding/gl/gl.h>
 #include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
 #include <vector>
 
 namespace Ombrique::Tests {

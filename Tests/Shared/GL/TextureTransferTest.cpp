@@ -6,6 +6,7 @@
 #include <cmath>
 
 namespace Ombrique::Tests {
+
 namespace {
 
 using namespace GaussianBlur;
@@ -54,11 +55,9 @@ protected:
 
     static World makeWorld(int width, int height, int paddingPixels) {
         World world(width, height, kDepthOf<Pixel>, {.paddingBytes = paddingPixels * static_cast<int>(sizeof(Pixel))});
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
                 world.setPixel(x, y, Host::pixel(static_cast<unsigned>(y * width + x)));
-            }
-        }
         return world;
     }
 
@@ -110,9 +109,8 @@ TYPED_TEST(TextureTransferTest, UploadKeepsRowsAndChannelsAndSkipsPadding) {
         gl::glDeleteTextures(1, &texture);
         for (std::size_t i = 0; i < texels.size(); ++i) {
             const auto source = this->channels(TestFixture::Host::pixel(static_cast<unsigned>(i)));
-            for (std::size_t channel = 0; channel < 4; ++channel) {
+            for (std::size_t channel = 0; channel < 4; ++channel)
                 EXPECT_NEAR(texels[i][channel], source[channel] / TestFixture::Host::sampled, 1e-6) << "texel " << i;
-            }
         }
         EXPECT_TRUE(call.findings().empty()) << call.findings().front();
     }
@@ -218,4 +216,5 @@ TEST_F(FormatTest, FrameBufferStatesInWords) {
 }
 
 } // namespace
+
 } // namespace Ombrique::Tests

@@ -1,4 +1,5 @@
 #include "Plugins/Shared/Helper/IdleQueue.h"
+
 #include "Plugins/Shared/Helper/ScopeExit.h"
 #include "Tests/Support/BoundedThread.h"
 
@@ -13,6 +14,7 @@
 using namespace Ombrique::Tests;
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 void drain(IdleQueue& queue) {
@@ -188,4 +190,5 @@ TEST(IdleQueue, GivesATaskThatConsumersFightOverToOne) { produceAndConsume(3, fa
 TEST(IdleQueue, IsClearedBesideProducersAndConsumers) { produceAndConsume(2, true, kTasks); }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

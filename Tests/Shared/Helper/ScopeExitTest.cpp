@@ -1,9 +1,11 @@
 #include "Plugins/Shared/Helper/ScopeExit.h"
 
 #include <gtest/gtest.h>
+
 #include <string>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 TEST(ScopeExit, RunsOnceInReverseOrderOnEveryWayOut) {
@@ -23,4 +25,5 @@ TEST(ScopeExit, RunsOnceInReverseOrderOnEveryWayOut) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 using namespace Hosts;
@@ -84,4 +85,5 @@ TEST(ScriptHelper, TrimsWhiteSpaceAtTheEndsOnly) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -1,9 +1,11 @@
 #include "Plugins/Shared/Helper/Semaphore.h"
+
 #include "Tests/Support/Sleepers.h"
 
 using namespace Ombrique::Tests;
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 using Order = std::vector<int>;
@@ -63,4 +65,5 @@ TEST(Semaphore, KeepsTheCountThatNobodyWaitedFor) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

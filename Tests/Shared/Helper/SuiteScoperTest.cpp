@@ -1,12 +1,14 @@
 #include "Plugins/Shared/Helper/SuiteScoper.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <functional>
-#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 struct Suite {};
@@ -161,4 +163,5 @@ TEST_F(SuiteScoperTest, StopsAtTheFirstMissingSuiteOfTheDrawingFamily) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

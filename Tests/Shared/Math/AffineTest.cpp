@@ -1,7 +1,9 @@
 #include "Plugins/Shared/Math/Affine.h"
+
 #include "Tests/Shared/Math/MathTesting.h"
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 TEST(Affine, ArgumentsRunByColumnAndStorageByRow) {
@@ -78,4 +80,5 @@ TEST(Affine, AverageScaleIsRoundedInSinglePrecision) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -1,7 +1,9 @@
 #include "Plugins/Shared/Math/Barycentric.h"
+
 #include "Tests/Shared/Math/MathTesting.h"
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 TEST(Barycentric, CornersAndEdgesAreInside) {
@@ -41,4 +43,5 @@ TEST(Barycentric, WeightsGiveThePointBackInEveryType) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

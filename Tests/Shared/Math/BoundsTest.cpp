@@ -6,6 +6,7 @@
 #include "Tests/Shared/Math/MathTesting.h"
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 const Box3 kUnit(Vec3(0), Vec3(1));
@@ -139,4 +140,5 @@ TEST(Range, ConstructorsTellFlagsFromNumbers) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -1,7 +1,9 @@
 #include "Plugins/Shared/Math/Color.h"
+
 #include "Tests/Shared/Math/MathTesting.h"
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 TEST(Color, ReadsHexadecimalText) {
@@ -64,4 +66,5 @@ TEST(Color, LerpRoundsTheComplementOnly) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

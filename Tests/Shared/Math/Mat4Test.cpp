@@ -8,6 +8,7 @@
 #include <numeric>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 Eigen::Matrix4d eigen(const Mat4& m) { return Eigen::Map<const Eigen::Matrix4d>(m.m); }
@@ -191,4 +192,5 @@ TEST(Mat4, AffinesAndHostCoordinates) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

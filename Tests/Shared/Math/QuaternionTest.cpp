@@ -3,6 +3,7 @@
 #include <Eigen/Geometry>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 Eigen::Quaterniond eigen(const Quaternion& q) { return {q.w, q.x, q.y, q.z}; }
@@ -105,4 +106,5 @@ TEST(Quaternion, SlerpFollowsTheShorterArc) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

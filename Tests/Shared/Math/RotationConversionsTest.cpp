@@ -4,6 +4,7 @@
 #include <Eigen/Geometry>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 constexpr std::pair<Euler::RotationOrder, const char*> kOrders[] = {{Euler::XYZ, "xyz"}, {Euler::YZX, "yzx"},
@@ -173,4 +174,5 @@ TEST(RotationConversions, VectorsGoThroughMatrices) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -3,6 +3,7 @@
 #include <Eigen/Geometry>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 TEST(Vec2, TurnsCounterClockwiseInDegrees) {
@@ -120,4 +121,5 @@ TEST(Vec2, OriginsMoveBetweenCentreAndTopLeft) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur

@@ -5,6 +5,7 @@
 #include <functional>
 
 namespace Ombrique::GaussianBlur {
+
 namespace {
 
 template <typename Vector> class AnyVector : public testing::Test {};
@@ -126,4 +127,5 @@ TEST(Vec4, LerpWalksTheShorterArc) {
 }
 
 } // namespace
+
 } // namespace Ombrique::GaussianBlur
