@@ -39,8 +39,8 @@ TEST(Threads, FramesThatMoveBetweenThreads) {
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&, thread] {
             for (int frame = 0; frame < kFrames; ++frame) {
-                if (turns[static_cast<std::size_t>(frame)] == thread)
-                    EXPECT_EQ(renderOne(harness.effect, static_cast<unsigned>(frame)), "") << "frame " << frame;
+                const bool own = turns[static_cast<std::size_t>(frame)] == thread;
+                EXPECT_EQ(own ? renderOne(harness.effect, static_cast<unsigned>(frame)) : "", "") << "frame " << frame;
                 nextFrame.arrive_and_wait();
             }
         });
