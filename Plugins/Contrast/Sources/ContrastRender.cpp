@@ -7,7 +7,7 @@ namespace Ombrique::GaussianBlur {
 namespace {
 
 /// From the slider's units to those of the shader.
-constexpr float kBrightnessScale = 100.0F;
+constexpr float kBrightnessScale = 100.0f;
 
 constexpr const char* kVertexSource =
     "#version 330\n"

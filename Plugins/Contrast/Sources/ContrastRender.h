@@ -35,8 +35,8 @@ public:
 private:
     OpenglShader* mShader = nullptr;
     FullTargetQuad mQuad;
-    float mContrast = 1.0F;
-    float mBrightness = 0.0F;
+    float mContrast = 1.0f;
+    float mBrightness = 0.0f;
 };
 
 } // namespace Ombrique::GaussianBlur

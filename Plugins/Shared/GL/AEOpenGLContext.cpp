@@ -15,6 +15,8 @@
 
 #include <iostream>
 
+using namespace gl;
+
 namespace Ombrique::GaussianBlur {
 
 namespace {
@@ -84,10 +86,10 @@ void AEOpenGLContext::makeCurrentFlush(CGLContextObj context) {
     if (current == context)
         return;
     if (current != nullptr) {
-        gl::GLint frameBuffer = 0;
-        gl::glGetIntegerv(gl::GL_FRAMEBUFFER_BINDING, &frameBuffer);
-        if (frameBuffer == 0 || gl::glCheckFramebufferStatus(gl::GL_FRAMEBUFFER) == gl::GL_FRAMEBUFFER_COMPLETE)
-            gl::glFlush();
+        GLint frameBuffer = 0;
+        glGetIntegerv(GL_FRAMEBUFFER_BINDING, &frameBuffer);
+        if (frameBuffer == 0 || glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE)
+            glFlush();
     }
     CGLSetCurrentContext(context);
 }

@@ -16,7 +16,7 @@ namespace Ombrique::GaussianBlur {
 namespace {
 
 /// The host's 16-bit white is 32768, and OpenGL takes 65535 for white.
-constexpr float kMultiplier16bit = 65535.0F / 32768.0F;
+constexpr float kMultiplier16bit = 65535.0f / 32768.0f;
 
 // How each of the integer depths is known to OpenGL, and how the host hands out its pixels. `in_data` is the name that
 // the host's macros look for.
@@ -25,7 +25,7 @@ struct Depth8 {
     using Pixel = PF_Pixel8;
     static constexpr int kPixelSizeShift = 2;
     static constexpr GLenum kType = GL_UNSIGNED_BYTE;
-    static constexpr float kMultiplier = 1.0F;
+    static constexpr float kMultiplier = 1.0f;
     static void start(PF_InData* in_data, PF_LayerDef* world, Pixel** pixels) {
         PF_GET_PIXEL_DATA8(world, nullptr, pixels);
     }
@@ -162,7 +162,7 @@ unsigned int AEOpenGLUtilities::UploadTexture(int format, PF_LayerDef* input, PF
     });
     setFilters(mipmap);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, input->width, input->height, 0, GL_RGBA, GL_FLOAT, nullptr);
-    multiplier16bit = 1.0F;
+    multiplier16bit = 1.0f;
     switch (format) {
     case PF_PixelFormat_ARGB32:
         uploadPixels<Depth8>(in_data, input, pixelSize, glType, multiplier16bit);

@@ -53,7 +53,7 @@ unsigned createTexture(const Vec2& size, GLenum internalFormat, GLenum minificat
 }
 
 void clearTransparent() {
-    glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
     glClear(GL_COLOR_BUFFER_BIT);
 }
 

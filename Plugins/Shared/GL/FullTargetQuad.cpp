@@ -16,21 +16,21 @@ constexpr int kTextureCoordinateLocation = 1;
 constexpr int kTextureCoordinateComponents = 2;
 
 constexpr std::array<float, 24> kFlatVertices = {
-    1.0F,  -1.0F, 1.0F, 0.0F, //
-    1.0F,  1.0F,  1.0F, 1.0F, //
-    -1.0F, 1.0F,  0.0F, 1.0F, //
-    -1.0F, 1.0F,  0.0F, 1.0F, //
-    -1.0F, -1.0F, 0.0F, 0.0F, //
-    1.0F,  -1.0F, 1.0F, 0.0F, //
+    1.0f,  -1.0f, 1.0f, 0.0f, //
+    1.0f,  1.0f,  1.0f, 1.0f, //
+    -1.0f, 1.0f,  0.0f, 1.0f, //
+    -1.0f, 1.0f,  0.0f, 1.0f, //
+    -1.0f, -1.0f, 0.0f, 0.0f, //
+    1.0f,  -1.0f, 1.0f, 0.0f, //
 };
 
 constexpr std::array<float, 30> kDeepVertices = {
-    1.0F,  -1.0F, 0.0F, 1.0F, 0.0F, //
-    1.0F,  1.0F,  0.0F, 1.0F, 1.0F, //
-    -1.0F, 1.0F,  0.0F, 0.0F, 1.0F, //
-    -1.0F, 1.0F,  0.0F, 0.0F, 1.0F, //
-    -1.0F, -1.0F, 0.0F, 0.0F, 0.0F, //
-    1.0F,  -1.0F, 0.0F, 1.0F, 0.0F, //
+    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f, //
+    1.0f,  1.0f,  0.0f, 1.0f, 1.0f, //
+    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f, //
+    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f, //
+    -1.0f, -1.0f, 0.0f, 0.0f, 0.0f, //
+    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f, //
 };
 
 /// A byte offset into the bound buffer, in the form that the attribute setters take.

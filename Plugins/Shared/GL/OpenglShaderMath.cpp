@@ -13,6 +13,8 @@
 #include <cassert>
 #include <memory>
 
+using namespace gl;
+
 namespace Ombrique::GaussianBlur {
 
 namespace {
@@ -25,7 +27,7 @@ float narrow(double value) { return static_cast<float>(value); }
 void writeColumns(const Affine& affine, float* columns) {
     const double* m = affine.m;
     const std::array<float, kFloatsOfMatrix3> values = {
-        narrow(m[0]), narrow(m[3]), 0.0F, narrow(m[1]), narrow(m[4]), 0.0F, narrow(m[2]), narrow(m[5]), 1.0F};
+        narrow(m[0]), narrow(m[3]), 0.0f, narrow(m[1]), narrow(m[4]), 0.0f, narrow(m[2]), narrow(m[5]), 1.0f};
     std::copy(values.begin(), values.end(), columns);
 }
 
@@ -53,7 +55,7 @@ void OpenglShader::setUniformMatrix3f(const std::string& name, Affine* matrices,
         const auto floats = std::make_unique<float[]>(kFloatsOfMatrix3 * matrixCount);
         for (std::size_t i = 0; i < matrixCount; ++i)
             writeColumns(matrices[i], &floats[kFloatsOfMatrix3 * i]);
-        gl::glUniformMatrix3fv(location, count, gl::GL_FALSE, floats.get());
+        glUniformMatrix3fv(location, count, GL_FALSE, floats.get());
     });
 }
 
@@ -62,7 +64,7 @@ void OpenglShader::setUniformMatrix4f(const std::string& name, const Mat4& matri
     withUniform(name, [&](int location) {
         std::array<float, 16> floats;
         std::transform(std::begin(matrix.m), std::end(matrix.m), floats.begin(), narrow);
-        gl::glUniformMatrix4fv(location, count, gl::GL_FALSE, floats.data());
+        glUniformMatrix4fv(location, count, GL_FALSE, floats.data());
     });
 }
 
