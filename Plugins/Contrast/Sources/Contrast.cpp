@@ -13,8 +13,11 @@
 #include <glbinding/gl/gl.h>
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <new>
+
+using namespace gl;
 
 namespace Ombrique::GaussianBlur {
 
@@ -36,27 +39,31 @@ ContrastRender* mWarpRender = passAtLoad();
 /// and setdown, so that neither meets a frame.
 std::mutex frameLock;
 
-/// The effect's two sliders, with their index, which is also their id.
-constexpr std::int32_t kContrastIndex = 1;
-constexpr std::int32_t kBrightnessIndex = 2;
-constexpr std::int32_t kParameterCount = 3;
-
-constexpr std::int32_t kAppend = -1;
-constexpr std::int32_t kInputLayerIndex = 0;
-constexpr std::int32_t kInputCheckoutId = 0;
-
+/// A slider: what is declared of it, and what takes its value of each frame.
 struct Slider {
-    std::int32_t id;
     const char* name;
     float standard;
     float least;
     float most;
     std::int16_t precision;
+    void (ContrastRender::*set)(float);
 };
 
-constexpr Slider kContrastSlider{kContrastIndex, "Contrast Value", 1.0F, 0.0F, 10.0F, 2};
-constexpr Slider kBrightnessSlider{kBrightnessIndex, "Brightness Value", 0.0F, -100.0F, 100.0F, 1};
-constexpr float kCurveTolerance = 0.05F;
+/// All of them, in the order of their indices. Saved projects know a slider by that, so a new one comes last.
+constexpr Slider kSliders[] = {
+    {"Contrast Value", 1.0f, 0.0f, 10.0f, 2, &ContrastRender::setContrast},
+    {"Brightness Value", 0.0f, -100.0f, 100.0f, 1, &ContrastRender::setBrightness},
+};
+constexpr float kCurveTolerance = 0.05f;
+
+constexpr std::int32_t kAppend = -1;
+constexpr std::int32_t kInputLayerIndex = 0;
+constexpr std::int32_t kInputCheckoutId = 0;
+
+/// The index of a slider, which is also its id.
+std::int32_t indexOf(const Slider& slider) {
+    return kInputLayerIndex + 1 + static_cast<std::int32_t>(&slider - kSliders);
+}
 
 void UnionRect(const PF_LRect* src, PF_LRect* dest) {
     if (IsEmptyRect(dest)) {
@@ -79,7 +86,7 @@ PF_Err addSlider(PF_InData* in_data, const Slider& slider) {
     PF_ParamDef def{};
     def.param_type = PF_Param_FLOAT_SLIDER;
     in_data->utils->ansi.strcpy(def.name, slider.name);
-    def.uu.id = slider.id;
+    def.uu.id = indexOf(slider);
     PF_FloatSliderDef& values = def.u.fs_d;
     values.value = slider.standard;
     values.dephault = slider.standard;
@@ -93,10 +100,12 @@ PF_Err addSlider(PF_InData* in_data, const Slider& slider) {
 }
 
 PF_Err paramsSetup(PF_InData* in_data, PF_OutData* out_data) {
-    out_data->num_params = kParameterCount;
-    if (const PF_Err error = addSlider(in_data, kContrastSlider); error != PF_Err_NONE)
-        return error;
-    return addSlider(in_data, kBrightnessSlider);
+    out_data->num_params = 1 + static_cast<std::int32_t>(std::size(kSliders)); // the input layer counts
+    PF_Err error = PF_Err_NONE;
+    for (const Slider& slider : kSliders)
+        if (error == PF_Err_NONE)
+            error = addSlider(in_data, slider);
+    return error;
 }
 
 PF_Err smartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra) {
@@ -115,19 +124,6 @@ PF_Err smartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra) {
 /// What the plug-in itself can't go on with.
 [[noreturn]] void refuse() { throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM}; }
 
-/// Records the host's context, and puts it back on every way out of the command.
-class HostContext {
-public:
-    HostContext() = default;
-    HostContext(const HostContext&) = delete;
-    HostContext& operator=(const HostContext&) = delete;
-    ~HostContext() { restore(); }
-    void restore() { mSaved.restore(); }
-
-private:
-    SaveRestoreGLContextMac mSaved;
-};
-
 PF_Err globalSetup(PF_OutData* out_data) {
     out_data->my_version = kEffectVersion;
     out_data->out_flags = kOutFlags;
@@ -139,7 +135,8 @@ PF_Err globalSetup(PF_OutData* out_data) {
     // First, since the shared data context is what tells that the effect is set up.
     if (mWarpRender == nullptr)
         mWarpRender = new ContrastRender;
-    const HostContext hostContext;
+    SaveRestoreGLContextMac hostContext;
+    const ScopeExit restoreContext([&] { hostContext.restore(); });
     AEOpenGLContextManager::setupContextManager();
     if (!AEOpenGLContextManager::getSharedDataContext()->isValid()) {
         AEOpenGLContextManager::releaseContextManager();
@@ -152,7 +149,8 @@ PF_Err globalSetdown() {
     const std::lock_guard lock(frameLock);
     if (AEOpenGLContextManager::getSharedDataContext() == nullptr)
         return PF_Err_NONE;
-    const HostContext hostContext;
+    SaveRestoreGLContextMac hostContext;
+    const ScopeExit restoreContext([&] { hostContext.restore(); });
     AEOpenGLContextManager::getSharedDataContext()->makeContextCurrent();
     AEOpenglMainFrameBuffer::mainFrameBuffer()->destory();
     delete mWarpRender;
@@ -161,21 +159,23 @@ PF_Err globalSetdown() {
     return PF_Err_NONE;
 }
 
-/// The slider at `index`, as the host has it at the frame's time; 0 when the host fails. Nothing is checked out once
-/// `firstError` holds an error, and `firstError` keeps the first one.
-float sliderValue(PF_InData* in_data, std::int32_t index, PF_Err& firstError) {
+/// Gives each slider's value at the frame's time to the pass, 0 where the host fails, and returns the first error. From
+/// that on nothing is checked out, but all is checked in.
+PF_Err takeSliders(PF_InData* in_data, ContrastRender& pass) {
+    PF_Err firstError = PF_Err_NONE;
     const auto record = [&firstError](PF_Err error) {
         if (firstError == PF_Err_NONE)
             firstError = error;
     };
-    PF_ParamDef def{};
-    if (firstError == PF_Err_NONE) {
-        record(in_data->inter.checkout_param(in_data->effect_ref, index, in_data->current_time, in_data->time_step,
-                                             in_data->time_scale, &def));
+    for (const Slider& slider : kSliders) {
+        PF_ParamDef def{};
+        if (firstError == PF_Err_NONE)
+            record(in_data->inter.checkout_param(in_data->effect_ref, indexOf(slider), in_data->current_time,
+                                                 in_data->time_step, in_data->time_scale, &def));
+        (pass.*slider.set)(static_cast<float>(def.u.fs_d.value));
+        record(in_data->inter.checkin_param(in_data->effect_ref, &def));
     }
-    const auto value = static_cast<float>(def.u.fs_d.value);
-    record(in_data->inter.checkin_param(in_data->effect_ref, &def));
-    return value;
+    return firstError;
 }
 
 /// Refuses frames that come before global setup or after global setdown.
@@ -193,9 +193,9 @@ void makeRenderContextCurrent() {
 
 /// Refuses a picture that the driver can't hold. It would come out as whatever the memory held.
 void requireSize(const PF_LayerDef& world) {
-    static const gl::GLint most = [] {
-        gl::GLint size = 0;
-        gl::glGetIntegerv(gl::GL_MAX_TEXTURE_SIZE, &size);
+    static const GLint most = [] {
+        GLint size = 0;
+        glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
         return size;
     }();
     if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most)
@@ -203,13 +203,12 @@ void requireSize(const PF_LayerDef& world) {
 }
 
 /// Uploads the input, corrects it and leaves the finished picture bound for reading.
-void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsigned long& pixelSize,
-               gl::GLenum& glType) {
-    float multiplier = 1.0F;
+void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsigned long& pixelSize, GLenum& glType) {
+    float multiplier = 1.0f;
     const unsigned texture = AEOpenGLUtilities::UploadTexture(PF_PixelFormat_ARGB32, input, output, in_data, pixelSize,
                                                               glType, multiplier, false);
     {
-        const ScopeExit deleteTexture([&] { gl::glDeleteTextures(1, &texture); });
+        const ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
         mWarpRender->draw(texture, multiplier);
     }
     AEOpenglMainFrameBuffer::mainFrameBuffer()->endDrawing(multiplier);
@@ -218,7 +217,8 @@ void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsi
 /// The road of a frame, from the input world to the output world, in the calling thread's context. Returns the first
 /// error of the sliders, which doesn't stop the frame.
 PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) {
-    HostContext hostContext;
+    SaveRestoreGLContextMac hostContext;
+    const ScopeExit restoreContext([&] { hostContext.restore(); });
     std::unique_lock lock(frameLock);
     requireSetup();
     makeRenderContextCurrent();
@@ -233,12 +233,10 @@ PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) 
     const SuiteScoper<AEGP_LayerSuite5> layerSuite(in_data, "AEGP Layer Suite", 11, nullptr, nullptr);
     const SuiteScoper<AEGP_ItemSuite6> itemSuite(in_data, "AEGP Item Suite", 10, nullptr, nullptr);
 
-    PF_Err firstError = PF_Err_NONE;
-    mWarpRender->setContrast(sliderValue(in_data, kContrastIndex, firstError));
-    mWarpRender->setBrightness(sliderValue(in_data, kBrightnessIndex, firstError));
+    const PF_Err firstError = takeSliders(in_data, *mWarpRender);
 
     unsigned long pixelSize = sizeof(PF_Pixel8);
-    gl::GLenum glType = gl::GL_UNSIGNED_BYTE;
+    GLenum glType = GL_UNSIGNED_BYTE;
     drawFrame(in_data, input, output, pixelSize, glType);
     clearStack.dismiss(); // endDrawing has emptied it, and from here on other frames may use it
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input->width), static_cast<unsigned>(input->height), input,
