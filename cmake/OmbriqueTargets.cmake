@@ -56,6 +56,7 @@ endfunction()
 # ombrique_test(NAME LABEL plain|opengl|threads|tools SOURCES cpp... [LINKS target...])
 # A GoogleTest program, each of whose tests CTest knows by itself under LABEL: plain runs without OpenGL, opengl needs a
 # driver, threads does so on several threads, tools runs other programs. ThreadSanitizer watches plain and threads.
+# ./test leaves out what is labelled release.
 function(ombrique_test name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "LABEL" "SOURCES;LINKS")
     add_executable(${name} ${ARG_SOURCES})
