@@ -40,11 +40,11 @@ int longestRenderableSide() {
     NSOpenGLPixelFormat* format = NSOpenGLPixelFormat::initWithAttributes(kAttributes);
     if (!format)
         return 0;
-    format->autorelease();
+    NSAutoreleasePool::addObject(format);
     NSOpenGLContext* context = NSOpenGLContext::initWithFormat(format, nullptr);
     if (!context)
         return 0;
-    context->autorelease();
+    NSAutoreleasePool::addObject(context);
     const CGLContextObj before = CGLGetCurrentContext();
     const int side = context->makeCurrentContext() ? askLongestSide() : 0;
     CGLSetCurrentContext(before);

@@ -25,7 +25,7 @@ void NSAutoreleasePool::drain() noexcept {
     }
 }
 
-void NSAutoreleasePool::addToInnermost(NSObject* object) {
-    assert(tInnermost && "autorelease on a thread that has no pool");
+void NSAutoreleasePool::addObject(NSObject* object) {
+    assert(tInnermost && "addObject on a thread that has no pool");
     tInnermost->mObjects.push_back(object);
 }

@@ -4,8 +4,8 @@
 
 class NSObject;
 
-/// A scope on the calling thread that releases, at its end, what was sent NSObject::autorelease within it. Pools nest
-/// and end in the reverse order of their beginning: make them as local variables only.
+/// A scope on the calling thread that releases, at its end, what was handed to addObject within it. Pools nest and end
+/// in the reverse order of their beginning: make them as local variables only.
 class NSAutoreleasePool {
 public:
     NSAutoreleasePool();
@@ -18,8 +18,8 @@ public:
     /// Releases what the pool holds, now. The pool stays in place until its scope ends.
     void drain() noexcept;
 
-    /// Hands a reference over to the innermost pool of the calling thread, which must have one.
-    static void addToInnermost(NSObject* object);
+    /// Hands the caller's reference over to the innermost pool of the calling thread. A thread without a pool asserts.
+    static void addObject(NSObject* object);
 
 private:
     NSAutoreleasePool* mOuter;

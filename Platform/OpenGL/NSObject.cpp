@@ -1,15 +1,11 @@
 #include "Platform/OpenGL/NSObject.h"
 
-#include "Platform/OpenGL/NSAutoreleasePool.h"
-
 void NSObject::retain() { mReferences.fetch_add(1, std::memory_order_relaxed); }
 
 void NSObject::release() {
     if (mReferences.fetch_sub(1, std::memory_order_acq_rel) == 1)
         delete this;
 }
-
-void NSObject::autorelease() { NSAutoreleasePool::addToInnermost(this); }
 
 bool NSObject::retainIfAlive() {
     int references = mReferences.load(std::memory_order_relaxed);

@@ -12,10 +12,6 @@ public:
     void retain();
     void release();
 
-    /// Hands the caller's reference over to the innermost NSAutoreleasePool of the calling thread, which releases it
-    /// when it is drained. A thread without a pool asserts.
-    void autorelease();
-
 protected:
     NSObject() = default;
     virtual ~NSObject() = default;

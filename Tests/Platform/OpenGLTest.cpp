@@ -150,11 +150,11 @@ TEST(AutoreleasePool, ReleasesAtTheEndOfItsOwnScope) {
     };
     int living = 0;
     const NSAutoreleasePool outer;
-    (new Counted(living))->autorelease();
+    NSAutoreleasePool::addObject(new Counted(living));
     EXPECT_THROW(
         {
             const NSAutoreleasePool inner;
-            (new Counted(living))->autorelease();
+            NSAutoreleasePool::addObject(new Counted(living));
             EXPECT_EQ(living, 2);
             throw std::runtime_error("through the scope");
         },
