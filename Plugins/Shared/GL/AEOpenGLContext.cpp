@@ -13,6 +13,8 @@
 #include <glbinding/Version.h>
 #include <glbinding/gl/gl.h>
 
+#include <algorithm>
+#include <array>
 #include <iostream>
 
 using namespace gl;
@@ -39,6 +41,17 @@ constexpr NSOpenGLPixelFormatAttribute kPixelFormat[] = {
     0,
 };
 
+/// Of the current context.
+int readLongestSide() {
+    int texture = 0;
+    int renderbuffer = 0;
+    std::array<int, 2> viewport{};
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &texture);
+    glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &renderbuffer);
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport.data());
+    return std::min({texture, renderbuffer, viewport[0], viewport[1]});
+}
+
 } // namespace
 
 // The delegation makes the object whole first, so that the destructor gives back the platform's context where something
@@ -52,6 +65,7 @@ AEOpenGLContext::AEOpenGLContext(const AEOpenGLContext* shareContext) : AEOpenGL
         return;
     InitializeOpenGLBindings();
     mExtensions = glbinding::ContextInfo::extensions(nullptr);
+    mLongestSide = readLongestSide();
 }
 
 AEOpenGLContext::~AEOpenGLContext() {
@@ -99,8 +113,10 @@ void AEOpenGLContext::InitializeOpenGLBindings() {
     // The binding may take all contexts of a process for one. On a thread other than the first it then finds the
     // context known, and leaves the thread without the state that the next call needs.
     glbinding::Binding::useCurrentContext();
+    // Number by number, since the binding prints a version that is newer than itself as "-.-".
+    const glbinding::Version version = glbinding::ContextInfo::version();
     std::cout << std::endl
-              << "OpenGL Version:  " << glbinding::ContextInfo::version() << std::endl
+              << "OpenGL Version:  " << +version.majorVersion() << '.' << +version.minorVersion() << std::endl
               << "OpenGL Vendor:   " << glbinding::ContextInfo::vendor() << std::endl
               << "OpenGL Renderer: " << glbinding::ContextInfo::renderer() << std::endl
               << "OpenGL Revision: " << glbinding::Meta::glRevision() << " (gl.xml)" << std::endl

@@ -32,6 +32,10 @@ public:
     /// Whether there is a platform context behind this object.
     bool isValid() const { return mNSContext != nullptr; }
 
+    /// The longest side, in pixels, of a picture that this context can hold as a texture and draw into: the least of
+    /// the driver's limits for textures, renderbuffers and viewports. 0 for an invalid context.
+    int longestSide() const { return mLongestSide; }
+
     /// Makes this context current on the calling thread and points the binding at it.
     void makeContextCurrent();
 
@@ -53,6 +57,7 @@ private:
     CGLContextObj mCGLContext;
     NSOpenGLContext* mNSContext = nullptr;
     std::set<gl::GLextension> mExtensions;
+    int mLongestSide = 0;
 };
 
 } // namespace Ombrique::GaussianBlur

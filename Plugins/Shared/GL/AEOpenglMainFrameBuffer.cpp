@@ -76,19 +76,14 @@ AEOpenglMainFrameBuffer* AEOpenglMainFrameBuffer::mainFrameBuffer() {
 
 AEOpenglMainFrameBuffer::AEOpenglMainFrameBuffer() : mScreenRender(new ScreenRender) {}
 
-bool AEOpenglMainFrameBuffer::isPrepared(long width, long height) const {
-    const bool sameSize = width == long{mWidth} && height == long{mHeight};
-    const bool empty = mWidth == 0 && mHeight == 0;
-    return sameSize && (mMainRenderBuffer != 0 || empty);
-}
-
 void AEOpenglMainFrameBuffer::prepare(long width, long height, bool multisample) {
     if (mScreenRender == nullptr)
         mScreenRender = new ScreenRender;
-    if (isPrepared(width, height)) {
-        createFrameBuffers();
-        return;
-    }
+    const bool sameSize = width == long{mWidth} && height == long{mHeight};
+    if (sameSize && width == 0 && height == 0)
+        return; // of a new object, too
+    if (sameSize && mMainRenderBuffer != 0)
+        return createFrameBuffers();
     unprepare();
     mWidth = static_cast<std::uint32_t>(width);
     mHeight = static_cast<std::uint32_t>(height);
@@ -145,13 +140,18 @@ unsigned AEOpenglMainFrameBuffer::workingFrameBuffer() {
 }
 
 void AEOpenglMainFrameBuffer::clearStack() {
-    for (const unsigned colour : mRenderBufferStack) {
-        glDeleteRenderbuffers(1, &colour);
-        if (const auto stencil = mStencilBuffers.find(colour); stencil != mStencilBuffers.end())
-            glDeleteRenderbuffers(1, &stencil->second);
-    }
+    for (const unsigned colour : mRenderBufferStack)
+        deleteEntry(colour);
     mRenderBufferStack.clear();
-    mStencilBuffers.clear();
+}
+
+/// Deletes a colour renderbuffer of the stack with the stencil renderbuffer that belongs to it.
+void AEOpenglMainFrameBuffer::deleteEntry(unsigned colour) {
+    glDeleteRenderbuffers(1, &colour);
+    if (const auto stencil = mStencilBuffers.find(colour); stencil != mStencilBuffers.end()) {
+        glDeleteRenderbuffers(1, &stencil->second);
+        mStencilBuffers.erase(stencil);
+    }
 }
 
 void AEOpenglMainFrameBuffer::beginDrawing() {
@@ -168,6 +168,7 @@ void AEOpenglMainFrameBuffer::endDrawing(float multiplier) {
     if (texture == 0)
         return;
     const ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
+    detachResolved();
     glBindFramebuffer(GL_FRAMEBUFFER, mFrameBuffers.current().mFrameBuffer);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, mMainRenderBuffer);
     glDisable(GL_BLEND);
@@ -213,9 +214,12 @@ unsigned AEOpenglMainFrameBuffer::popRenderContext() {
         return 0;
     const unsigned texture = createRenderTexture(false);
     copyTop(texture);
-    deleteTop();
-    if (!mRenderBufferStack.empty())
+    deleteEntry(mRenderBufferStack.back());
+    mRenderBufferStack.pop_back();
+    if (!mRenderBufferStack.empty()) {
+        detachResolved();
         attachTop();
+    }
     return texture;
 }
 
@@ -235,15 +239,10 @@ void AEOpenglMainFrameBuffer::copyTop(unsigned texture) {
     glBlitFramebuffer(0, 0, width, height, 0, 0, width, height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
 }
 
-void AEOpenglMainFrameBuffer::deleteTop() {
-    const unsigned colour = mRenderBufferStack.back();
-    glDeleteRenderbuffers(1, &colour);
-    mRenderBufferStack.pop_back();
-    if (const auto stencil = mStencilBuffers.find(colour); stencil != mStencilBuffers.end()) {
-        const unsigned stencilBuffer = stencil->second;
-        mStencilBuffers.erase(stencil);
-        glDeleteRenderbuffers(1, &stencilBuffer);
-    }
+/// After copyTop(): lets the resolve target go of the texture, which would keep its memory beyond its end.
+void AEOpenglMainFrameBuffer::detachResolved() const {
+    if (mMultisample)
+        glFramebufferTexture2D(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
 }
 
 /// Attaches the top of the stack to the working frame buffer, and binds that.

@@ -38,8 +38,8 @@ public:
     AEOpenglMainFrameBuffer& operator=(const AEOpenglMainFrameBuffer&) = delete;
 
     /// Gets ready for frames of `width` by `height` pixels. Does nothing when that size is prepared already in the
-    /// current context; `multisample` is not looked at then. A new size empties the stack. The object is as new after
-    /// unprepare() and destory(): the next prepare() builds, whatever the size.
+    /// current context; `multisample` is not looked at then. A new size empties the stack. A new object is prepared for
+    /// 0 by 0, which needs no context. After unprepare() and destory(), the next prepare() builds, whatever the size.
     void prepare(long width, long height, bool multisample);
     /// Deletes what depends on the size: the current context's frame buffer objects, the output renderbuffer, the
     /// stack. Other contexts delete theirs when they next prepare; those of a context that doesn't end with it.
@@ -57,7 +57,9 @@ public:
     /// undefined) if `stencil` says so. The viewport stays. The first argument has no effect.
     void pushRenderContext(bool, bool stencil);
     /// Takes the top off the stack and returns its picture as a new texture, which the caller owns; 0 if the stack was
-    /// empty. What was below is attached again, its stencil renderbuffer is not.
+    /// empty. What was below is attached again, its stencil renderbuffer is not. A multisampled picture that was the
+    /// last on the stack stays attached to the context's resolve target: its texture, 4 bytes a pixel, keeps its memory
+    /// until the context's next pop, also where the caller deletes it. endDrawing() leaves none behind.
     unsigned popRenderContext();
 
     /// Renders into a texture of the caller's, beside the stack: binds a temporary frame buffer object with level 0 of
@@ -97,14 +99,14 @@ private:
         unsigned mGeneration = 0;
     };
 
-    bool isPrepared(long width, long height) const;
     void createFrameBuffers();
     void deleteFrameBuffers();
     unsigned workingFrameBuffer();
     unsigned createRenderBuffer(unsigned format) const;
     void attachTop();
     void copyTop(unsigned texture);
-    void deleteTop();
+    void detachResolved() const;
+    void deleteEntry(unsigned colour);
 
     PerContext<FrameBuffers> mFrameBuffers;
     unsigned mMainRenderBuffer = 0;
