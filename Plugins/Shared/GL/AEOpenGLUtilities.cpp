@@ -23,7 +23,6 @@ constexpr float kMultiplier16bit = 65535.0f / 32768.0f;
 
 struct Depth8 {
     using Pixel = PF_Pixel8;
-    static constexpr int kPixelSizeShift = 2;
     static constexpr GLenum kType = GL_UNSIGNED_BYTE;
     static constexpr float kMultiplier = 1.0f;
     static void start(PF_InData* in_data, PF_LayerDef* world, Pixel** pixels) {
@@ -33,7 +32,6 @@ struct Depth8 {
 
 struct Depth16 {
     using Pixel = PF_Pixel16;
-    static constexpr int kPixelSizeShift = 3;
     static constexpr GLenum kType = GL_UNSIGNED_SHORT;
     static constexpr float kMultiplier = kMultiplier16bit;
     static void start(PF_InData* in_data, PF_LayerDef* world, Pixel** pixels) {
@@ -41,7 +39,7 @@ struct Depth16 {
     }
 };
 
-/// The first pixel of a world; only the pointer tells whether there is one.
+/// The first pixel of a world that has some; only the pointer tells whether the host hands it out.
 template <typename Depth> typename Depth::Pixel* pixelStart(PF_InData* in_data, PF_LayerDef* world) {
     typename Depth::Pixel* pixels = nullptr;
     Depth::start(in_data, world, &pixels);
@@ -57,10 +55,7 @@ void setFilters(bool mipmap) {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
-/// The distance in pixels of row `y` from the first one, rounded down.
-template <typename Depth> std::ptrdiff_t rowOffset(const PF_LayerDef& world, std::int32_t y) {
-    return (std::ptrdiff_t{y} * world.rowbytes) >> Depth::kPixelSizeShift;
-}
+bool hasPixels(const PF_LayerDef& world) { return world.width > 0 && world.height > 0; }
 
 /// Fills the bound texture from pixels whose rows are `rowLength` pixels apart.
 void fillTexture(const PF_LayerDef& world, int rowLength, GLenum type, const void* pixels) {
@@ -69,11 +64,11 @@ void fillTexture(const PF_LayerDef& world, int rowLength, GLenum type, const voi
 }
 
 /// The same for rows that run upwards in memory, for which OpenGL has no row length.
-template <typename Depth> void fillTextureUpwards(const PF_LayerDef& world, const typename Depth::Pixel* pixels) {
-    for (std::int32_t y = 0; y < world.height; ++y) {
+template <typename Depth>
+void fillTextureUpwards(const PF_LayerDef& world, int rowLength, const typename Depth::Pixel* pixels) {
+    for (std::int32_t y = 0; y < world.height; ++y)
         glTexSubImage2D(GL_TEXTURE_2D, 0, 0, y, world.width, 1, GL_RGBA, Depth::kType,
-                        pixels + rowOffset<Depth>(world, y));
-    }
+                        pixels + std::ptrdiff_t{y} * rowLength);
 }
 
 /// The host's memory goes to OpenGL as it is.
@@ -82,11 +77,14 @@ void uploadPixels(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSi
     glType = Depth::kType;
     pixelSize = sizeof(typename Depth::Pixel);
     multiplier = Depth::kMultiplier;
+    if (!hasPixels(*input))
+        return;
     const typename Depth::Pixel* const pixels = pixelStart<Depth>(in_data, input);
-    if (input->rowbytes < 0)
-        fillTextureUpwards<Depth>(*input, pixels);
+    const int rowLength = input->rowbytes / static_cast<int>(sizeof *pixels);
+    if (rowLength < 0)
+        fillTextureUpwards<Depth>(*input, rowLength, pixels);
     else
-        fillTexture(*input, input->rowbytes >> Depth::kPixelSizeShift, glType, pixels);
+        fillTexture(*input, rowLength, glType, pixels);
 }
 
 /// Runs `callback` over `source` and `destination`, and throws the host's error.
@@ -111,9 +109,12 @@ void uploadFloats(PF_InData* in_data, PF_LayerDef* input, unsigned long& pixelSi
 template <typename Depth>
 void downloadPixels(PF_InData* in_data, PF_LayerDef* output, const void* picture, unsigned width, unsigned height) {
     using Pixel = typename Depth::Pixel;
+    if (!hasPixels(*output))
+        return;
     const auto* source = static_cast<const Pixel*>(picture);
     for (std::int32_t y = 0; y < output->height; ++y) {
-        Pixel* row = pixelStart<Depth>(in_data, output) + rowOffset<Depth>(*output, y);
+        const std::ptrdiff_t rowBytes = std::ptrdiff_t{y} * output->rowbytes;
+        Pixel* row = pixelStart<Depth>(in_data, output) + rowBytes / std::ptrdiff_t{sizeof(Pixel)};
         const bool covered = static_cast<unsigned>(y) < height;
         std::int64_t columns = 0;
         if (covered) {
@@ -129,16 +130,29 @@ PF_Err clearPixelFloat(void*, int, int, PF_PixelFloat*, PF_PixelFloat* out) {
     return PF_Err_NONE;
 }
 
-void clearFloats(PF_InData* in_data, PF_LayerDef* output) {
-    CopyPixelFloatRefcon unused{nullptr, output};
-    iterateFloat(in_data, output, output, unused, clearPixelFloat);
+/// The same for floats, which the host copies.
+void downloadFloats(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, void* picture) {
+    CopyPixelFloatRefcon refcon{static_cast<PF_PixelFloat*>(picture), input};
+    if (picture == nullptr || output->width > input->width || output->height > input->height)
+        iterateFloat(in_data, output, output, refcon, clearPixelFloat);
+    if (picture != nullptr)
+        iterateFloat(in_data, input, output, refcon, AEOpenGLUtilities::CopyPixelFloatOut);
 }
 
-void downloadFloats(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, void* picture) {
-    if (output->width > input->width || output->height > input->height)
-        clearFloats(in_data, output);
-    CopyPixelFloatRefcon refcon{static_cast<PF_PixelFloat*>(picture), input};
-    iterateFloat(in_data, input, output, refcon, AEOpenGLUtilities::CopyPixelFloatOut);
+/// Writes a picture of `width` by `height` packed pixels to the world. Without any, it makes the world transparent
+/// black.
+void writeWorld(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, int format, void* picture, unsigned width,
+                unsigned height) {
+    switch (format) {
+    case PF_PixelFormat_ARGB32:
+        return downloadPixels<Depth8>(in_data, output, picture, width, height);
+    case PF_PixelFormat_ARGB64:
+        return downloadPixels<Depth16>(in_data, output, picture, width, height);
+    case PF_PixelFormat_ARGB128:
+        return downloadFloats(in_data, input, output, picture);
+    default:
+        throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM};
+    }
 }
 
 /// The element of the array that belongs to the pixel at (x, y).
@@ -194,29 +208,11 @@ void AEOpenGLUtilities::DownloadTexture(unsigned int width, unsigned int height,
     const ScopeExit unlock([&] { handles->host_unlock_handle(handle); });
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     glReadPixels(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA, glType, picture);
-    switch (format) {
-    case PF_PixelFormat_ARGB32:
-        return downloadPixels<Depth8>(in_data, output, picture, width, height);
-    case PF_PixelFormat_ARGB64:
-        return downloadPixels<Depth16>(in_data, output, picture, width, height);
-    case PF_PixelFormat_ARGB128:
-        return downloadFloats(in_data, input, output, picture);
-    default:
-        throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM};
-    }
+    writeWorld(in_data, input, output, format, picture, width, height);
 }
 
 void AEOpenGLUtilities::ClearWorld(PF_LayerDef* output, PF_InData* in_data, int format) {
-    switch (format) {
-    case PF_PixelFormat_ARGB32:
-        return downloadPixels<Depth8>(in_data, output, nullptr, 0, 0);
-    case PF_PixelFormat_ARGB64:
-        return downloadPixels<Depth16>(in_data, output, nullptr, 0, 0);
-    case PF_PixelFormat_ARGB128:
-        return clearFloats(in_data, output);
-    default:
-        throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM};
-    }
+    writeWorld(in_data, output, output, format, nullptr, 0, 0);
 }
 
 std::string AEOpenGLUtilities::CheckFramebufferStatus() {

@@ -22,9 +22,10 @@ struct CopyPixelFloatRefcon {
 /// and PF_PixelFormat_ARGB128 (floats). A world doesn't say its depth: the caller does. Nothing here swaps channels or
 /// turns the picture over: the host's alpha, red, green, blue become a texture's red, green, blue, alpha, and row 0
 /// stays row 0. Rows may run upwards in memory, with negative row bytes, and two worlds may share their pixels: all of
-/// the input is read before any output is written. Row bytes that are no multiple of the pixel size skew the picture:
-/// an uploaded row begins as many whole pixels after the one before as the row bytes hold, a downloaded one at the
-/// whole pixel at or below its place.
+/// the input is read before any output is written. A world without pixels needs no memory. Row bytes that are no
+/// multiple of the pixel size skew the picture: an uploaded row begins as many whole pixels beyond the one before as
+/// the row bytes hold, a downloaded one at the last whole pixel that begins, counted from row 0, up to its place. So
+/// nothing outside the world is touched.
 ///
 /// The functions keep no state. They need a current context on the calling thread, and `in_data` of the command that
 /// runs there. Failures are thrown as std::int32_t: 13 for a suite that the host hasn't got, 4 for a handle that it
