@@ -6,6 +6,7 @@
 #include "Plugins/Shared/GL/AEOpenGLContextManager.h"
 #include "Plugins/Shared/GL/AEOpenGLUtilities.h"
 #include "Plugins/Shared/GL/AEOpenglMainFrameBuffer.h"
+#include "Plugins/Shared/GL/FrameLock.h"
 #include "Plugins/Shared/GL/SaveRestoreGLContextMac.h"
 #include "Plugins/Shared/Helper/ScopeExit.h"
 #include "Plugins/Shared/Helper/SuiteScoper.h"
@@ -13,8 +14,9 @@
 #include <glbinding/gl/gl.h>
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
-#include <mutex>
+#include <limits>
 #include <new>
 
 using namespace gl;
@@ -22,6 +24,9 @@ using namespace gl;
 namespace Ombrique::GaussianBlur {
 
 namespace {
+
+/// What the plug-in itself can't go on with.
+[[noreturn]] void refuse() { throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM}; }
 
 /// The contrast pass as it is made at load: null where there is no memory, since an exception would end the host.
 ContrastRender* passAtLoad() {
@@ -35,9 +40,8 @@ ContrastRender* passAtLoad() {
 /// The contrast pass of the plug-in; null between global setdown and the next global setup.
 ContrastRender* mWarpRender = passAtLoad();
 
-/// Held over the part of a frame that uses what all frames share: the pass, the render targets. Also held over setup
-/// and setdown, so that neither meets a frame.
-std::mutex frameLock;
+/// Whether global setup came after the last global setdown. Changed under the frame lock, read without it, too.
+std::atomic<bool> isSetUp = false;
 
 /// A slider: what is declared of it, and what takes its value of each frame.
 struct Slider {
@@ -101,11 +105,10 @@ PF_Err addSlider(PF_InData* in_data, const Slider& slider) {
 
 PF_Err paramsSetup(PF_InData* in_data, PF_OutData* out_data) {
     out_data->num_params = 1 + static_cast<std::int32_t>(std::size(kSliders)); // the input layer counts
-    PF_Err error = PF_Err_NONE;
     for (const Slider& slider : kSliders)
-        if (error == PF_Err_NONE)
-            error = addSlider(in_data, slider);
-    return error;
+        if (const PF_Err error = addSlider(in_data, slider); error != PF_Err_NONE)
+            return error;
+    return PF_Err_NONE;
 }
 
 PF_Err smartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra) {
@@ -121,18 +124,14 @@ PF_Err smartPreRender(PF_InData* in_data, PF_PreRenderExtra* extra) {
     return error;
 }
 
-/// What the plug-in itself can't go on with.
-[[noreturn]] void refuse() { throw std::int32_t{PF_Err_BAD_CALLBACK_PARAM}; }
-
 PF_Err globalSetup(PF_OutData* out_data) {
     out_data->my_version = kEffectVersion;
     out_data->out_flags = kOutFlags;
     out_data->out_flags2 = kOutFlags2;
 
-    const std::lock_guard lock(frameLock);
-    if (AEOpenGLContextManager::getSharedDataContext() != nullptr)
+    const FrameLock lock;
+    if (isSetUp)
         return PF_Err_NONE;
-    // First, since the shared data context is what tells that the effect is set up.
     if (mWarpRender == nullptr)
         mWarpRender = new ContrastRender;
     SaveRestoreGLContextMac hostContext;
@@ -142,12 +141,13 @@ PF_Err globalSetup(PF_OutData* out_data) {
         AEOpenGLContextManager::releaseContextManager();
         refuse();
     }
+    isSetUp = true;
     return PF_Err_NONE;
 }
 
 PF_Err globalSetdown() {
-    const std::lock_guard lock(frameLock);
-    if (AEOpenGLContextManager::getSharedDataContext() == nullptr)
+    const FrameLock lock;
+    if (!isSetUp)
         return PF_Err_NONE;
     SaveRestoreGLContextMac hostContext;
     const ScopeExit restoreContext([&] { hostContext.restore(); });
@@ -156,6 +156,7 @@ PF_Err globalSetdown() {
     delete mWarpRender;
     mWarpRender = nullptr;
     AEOpenGLContextManager::releaseContextManager();
+    isSetUp = false;
     return PF_Err_NONE;
 }
 
@@ -180,26 +181,23 @@ PF_Err takeSliders(PF_InData* in_data, ContrastRender& pass) {
 
 /// Refuses frames that come before global setup or after global setdown.
 void requireSetup() {
-    if (AEOpenGLContextManager::getSharedDataContext() == nullptr)
+    if (!isSetUp)
         refuse();
 }
 
-void makeRenderContextCurrent() {
+/// Refuses a world with a negative side, or with one longer than `longest` pixels.
+void requireSides(const PF_LayerDef& world, std::int32_t longest) {
+    if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > longest)
+        refuse();
+}
+
+/// The calling thread's context, current.
+const AEOpenGLContext& currentRenderContext() {
     AEOpenGLContext* const context = AEOpenGLContextManager::getCurrentRenderContext();
     if (!context->isValid())
         refuse();
     context->makeContextCurrent();
-}
-
-/// Refuses a picture that the driver can't hold. It would come out as whatever the memory held.
-void requireSize(const PF_LayerDef& world) {
-    static const GLint most = [] {
-        GLint size = 0;
-        glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
-        return size;
-    }();
-    if (std::min(world.width, world.height) < 0 || std::max(world.width, world.height) > most)
-        refuse();
+    return *context;
 }
 
 /// Uploads the input, corrects it and leaves the finished picture bound for reading.
@@ -219,10 +217,10 @@ void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsi
 PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) {
     SaveRestoreGLContextMac hostContext;
     const ScopeExit restoreContext([&] { hostContext.restore(); });
-    std::unique_lock lock(frameLock);
-    requireSetup();
-    makeRenderContextCurrent();
-    requireSize(*input);
+    const FrameLock lock;
+    requireSetup(); // again, since another thread's setdown may have come in between
+    // What the driver can't hold would come out as whatever the memory held.
+    requireSides(*input, currentRenderContext().longestSide());
 
     AEOpenglMainFrameBuffer* const frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
     frameBuffer->prepare(input->width, input->height, true);
@@ -241,25 +239,20 @@ PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) 
     clearStack.dismiss(); // endDrawing has emptied it, and from here on other frames may use it
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input->width), static_cast<unsigned>(input->height), input,
                                        output, in_data, PF_PixelFormat_ARGB32, pixelSize, glType);
-    lock.unlock();
     hostContext.restore(); // before the suites are released
     return firstError;
 }
 
 PF_Err smartRender(PF_InData* in_data, PF_SmartRenderExtra* extra) {
-    {
-        const std::lock_guard lock(frameLock);
-        requireSetup();
-    }
+    requireSetup();
     PF_LayerDef* input = nullptr;
     PF_LayerDef* output = nullptr;
-    if (const PF_Err error = extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input);
-        error != PF_Err_NONE)
+    PF_Err error = extra->cb->checkout_layer_pixels(in_data->effect_ref, kInputCheckoutId, &input);
+    if (error == PF_Err_NONE)
+        error = extra->cb->checkout_output(in_data->effect_ref, &output);
+    if (error != PF_Err_NONE || output == nullptr)
         return error;
-    if (const PF_Err error = extra->cb->checkout_output(in_data->effect_ref, &output); error != PF_Err_NONE)
-        return error;
-    if (output == nullptr)
-        return PF_Err_NONE;
+    requireSides(*output, std::numeric_limits<std::int32_t>::max());
     if (input == nullptr) {
         AEOpenGLUtilities::ClearWorld(output, in_data, PF_PixelFormat_ARGB32);
         return PF_Err_NONE;
