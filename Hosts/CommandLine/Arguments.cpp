@@ -1,18 +1,18 @@
 #include "Hosts/CommandLine/Arguments.h"
 
-#include "Hosts/CommandLine/Failure.h"
-#include "Hosts/CommandLine/FrameRanges.h"
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Shots/Keyframes.h"
 
 #include <CLI/CLI.hpp>
+
+#include <optional>
+#include <sstream>
 
 namespace Ombrique::Hosts {
 
 namespace {
 
-constexpr const char* kDescription =
-    "Corrects contrast and brightness of pictures and shots through the Ombrique Contrast plug-in.";
-
-constexpr const char* kFooter = R"(
+constexpr const char* kShots = R"(
 A shot is named by a pattern, with #### or @@@@ or %04d in the place of the frame's number. A slider takes a number, or
 keys, FRAME:VALUE,FRAME:VALUE, with straight lines between them; for a contact sheet, a list of numbers.
 
@@ -21,12 +21,9 @@ replaced only by a finished picture, so that a run can be repeated whenever it w
 output, all else to standard error.
 
 Examples:
-  ombrique-render photo.png corrected.png --contrast 1.4 --brightness 5
-  ombrique-render plate.exr preview.jpg --brightness -12 --compare
-  ombrique-render photo.png --sheet choices.png --contrast 0.8,1,1.2,1.4
-  ombrique-render shot.####.exr out/shot.####.png --frames 1001-1240 --skip-existing
-  ombrique-render shot.%04d.png out.%04d.png --contrast 1001:1,1120:1.6,1240:1
+)";
 
+constexpr const char* kEnvironment = R"(
 Environment:
   OMBRIQUE_PLUGIN_PATH   the plug-in's bundle, instead of the one that belongs to the program
 
@@ -35,6 +32,35 @@ Exit status:
   1  something could not be read, rendered or written; the other frames of a shot are done all the same
   2  wrong command line
   A run that SIGINT or SIGTERM stops finishes the frames that are under way, and ends by that signal.)";
+
+/// " --contrast 1.4" for the format "%": each % is the slider's default, moved by so many shares of its range. Nothing
+/// where there is no such slider.
+std::string exampleOption(const std::vector<Slider>& sliders, std::size_t place, std::string_view format,
+                          std::initializer_list<double> shares) {
+    if (place >= sliders.size())
+        return {};
+    const Slider& slider = sliders[place];
+    std::ostringstream text;
+    text << " --" << slider.word() << " ";
+    const double* share = shares.begin();
+    for (const char letter : format)
+        if (letter == '%')
+            text << slider.defaultValue + *share++ * (slider.maximum - slider.minimum);
+        else
+            text << letter;
+    return text.str();
+}
+
+std::string footer(const std::vector<Slider>& sliders) {
+    const std::string program = "  ombrique-render ";
+    return kShots + program + "photo.png corrected.png" + exampleOption(sliders, 0, "%", {0.04}) +
+           exampleOption(sliders, 1, "%", {0.025}) + "\n" + program + "plate.exr preview.jpg" +
+           exampleOption(sliders, 1, "%", {-0.06}) + " --compare\n" + program + "photo.png --sheet choices.png" +
+           exampleOption(sliders, 0, "%,%,%,%", {-0.02, 0.0, 0.02, 0.04}) + "\n" + program +
+           "shot.####.exr out/shot.####.png --frames 1001-1240 --skip-existing\n" + program +
+           "shot.%04d.png out.%04d.png" + exampleOption(sliders, 0, "1001:%,1120:%,1240:%", {0.0, 0.06, 0.0}) + "\n" +
+           kEnvironment;
+}
 
 /// The command line as text: numbers are read later, so that a wrong one is told apart from a wrong command line.
 struct Texts {
@@ -45,18 +71,18 @@ struct Texts {
     bool verbose = false;
 };
 
-void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::vector<SliderOption>& sliders) {
-    app.add_option("INPUT", arguments.input, "The picture to correct, or the pattern of a shot");
-    app.add_option("OUTPUT", arguments.output, "Where the corrected picture or shot goes");
-    for (const SliderOption& slider : sliders)
-        app.add_option(slider.option, texts.sliders[slider.index], slider.label + ": " + slider.describeRange())
+void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::vector<Slider>& sliders) {
+    app.add_option("INPUT", arguments.shot.input, "The picture to correct, or the pattern of a shot");
+    app.add_option("OUTPUT", arguments.shot.output, "Where the corrected picture or shot goes");
+    for (const Slider& slider : sliders)
+        app.add_option("--" + slider.word(), texts.sliders[slider.index], slider.name + ": " + slider.describeRange())
             ->type_name("X");
     app.add_option("--frames", texts.frames,
                    "The frames to render, as 1-10,20-30 or 1-100x2; all that are there if not given")
         ->type_name("RANGES");
     app.add_option("--part", texts.part, "Of these frames, the K-th of N equal parts, for several machines to share")
         ->type_name("K/N");
-    app.add_flag("--skip-existing", arguments.skipExisting, "Leave out frames whose output is there already");
+    app.add_flag("--skip-existing", arguments.shot.skipExisting, "Leave out frames whose output is there already");
     app.add_flag("--list-missing", arguments.listMissing,
                  "Print the frames whose output isn't there yet, as --frames takes them, and render nothing");
     app.add_option("--jobs", arguments.jobs, "Frames under way at a time; one more than there are cores if not given")
@@ -77,22 +103,32 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
 void requireFiles(const Arguments& arguments) {
     if (arguments.about)
         return;
-    if (arguments.input.empty())
+    if (arguments.shot.input.empty())
         throw CLI::RequiredError("INPUT");
-    if (arguments.sheet.empty() && arguments.output.empty())
+    if (arguments.sheet.empty() && arguments.shot.output.empty())
         throw CLI::RequiredError("OUTPUT");
     if (!arguments.sheet.empty() &&
-        (!arguments.output.empty() || arguments.compare || arguments.skipExisting || arguments.listMissing))
+        (!arguments.shot.output.empty() || arguments.compare || arguments.shot.skipExisting || arguments.listMissing))
         throw CLI::ValidationError("--sheet", "goes with INPUT and the sliders alone");
+}
+
+/// What `parse` reads in the text of an option. Its failures get the option and the text in front.
+template <typename Parse> auto parsed(const std::string& option, const std::string& text, Parse parse) {
+    try {
+        return parse(text);
+    } catch (const Failure& failure) {
+        throw Failure(option + " " + text + ": " + failure.what());
+    }
 }
 
 } // namespace
 
-Arguments parseArguments(int count, const char* const* words, const std::vector<SliderOption>& sliders) {
+Arguments parseArguments(int count, const char* const* words, const Registration& plugin,
+                         const std::vector<Slider>& sliders) {
     Arguments arguments;
     Texts texts;
-    CLI::App app(kDescription, "ombrique-render");
-    app.footer(kFooter);
+    CLI::App app("Renders pictures and shots through " + plugin.name + ". " + plugin.explanation, "ombrique-render");
+    app.footer(footer(sliders));
     app.set_version_flag("--version", "ombrique-render " OMBRIQUE_VERSION, "Print the version and exit");
     addOptions(app, arguments, texts, sliders);
     try {
@@ -107,17 +143,21 @@ Arguments parseArguments(int count, const char* const* words, const std::vector<
     } catch (const CLI::ParseError& error) {
         throw UsageError(std::string(error.what()) + " (--help tells more)");
     }
-    arguments.talk = texts.quiet ? Talk::Quiet : texts.verbose ? Talk::Verbose : Talk::Normal;
+    arguments.verbosity = texts.quiet ? Verbosity::Quiet : texts.verbose ? Verbosity::Verbose : Verbosity::Normal;
+    arguments.shot.skipExisting |= arguments.listMissing;
     if (texts.frames)
-        arguments.frames = parseFrameRanges(*texts.frames);
+        arguments.shot.frames = parsed("--frames", *texts.frames, parseFrameRanges);
     if (texts.part)
-        arguments.part = parseFramePart(*texts.part);
-    for (const SliderOption& slider : sliders) {
+        arguments.shot.part = parsed("--part", *texts.part, parseFramePart);
+    for (const Slider& slider : sliders) {
         const std::optional<std::string>& text = texts.sliders[slider.index];
+        const auto parseAs = [&](auto parse) {
+            return parsed("--" + slider.word(), *text, [&](const std::string& value) { return parse(slider, value); });
+        };
         if (text && arguments.sheet.empty())
-            arguments.values.emplace(slider.index, slider.parse(*text));
+            arguments.values.emplace(slider.index, parseAs(parseSliderValue));
         else if (text)
-            arguments.lists.emplace(slider.index, slider.parseList(*text));
+            arguments.lists.emplace(slider.index, parseAs(parseSliderList));
     }
     return arguments;
 }

@@ -1,34 +1,27 @@
 #pragma once
 
-#include "Hosts/CommandLine/FramePart.h"
-#include "Hosts/CommandLine/SliderOption.h"
+#include "Hosts/Bundle/PluginBundle.h"
 #include "Hosts/Engine/FrameRequest.h"
+#include "Hosts/Engine/Slider.h"
+#include "Hosts/Shots/Shot.h"
 
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace Ombrique::Hosts {
 
 /// How much the program says beside its results. Errors are always told.
-enum class Talk { Quiet, Normal, Verbose };
+enum class Verbosity { Quiet, Normal, Verbose };
 
 /// What the user asked for.
 struct Arguments {
     /// What to print instead of doing anything else: the text of --help or --version. Empty otherwise.
     std::string answer;
     bool about = false;
-    /// A file, or the pattern of a shot's files.
-    std::string input;
-    /// The same; empty for a contact sheet.
-    std::string output;
-    /// The frames to render: all that are there where nothing is said.
-    std::optional<std::vector<int>> frames;
-    /// The part of these frames to render.
-    FramePart part;
-    bool skipExisting = false;
-    /// Render nothing, and tell which frames' output isn't there.
+    /// The output is empty for a contact sheet.
+    ShotRequest shot;
+    /// Render nothing, and tell which frames' output isn't there: those that `shot` then comes to.
     bool listMissing = false;
     /// Write before and after side by side.
     bool compare = false;
@@ -37,7 +30,7 @@ struct Arguments {
     std::string compression;
     /// The most frames that are under way at a time; 0 for as many as suit the machine.
     int jobs = 0;
-    Talk talk = Talk::Normal;
+    Verbosity verbosity = Verbosity::Normal;
     /// The sliders that the command line sets, within their ranges.
     ParameterValues values;
     /// The file of a contact sheet; empty where none is asked for.
@@ -46,8 +39,10 @@ struct Arguments {
     std::map<int, std::vector<double>> lists;
 };
 
-/// Reads the command line, with an option for each slider.
-/// @throw UsageError where it isn't one of the program's, Failure where a value is no good.
-Arguments parseArguments(int count, const char* const* words, const std::vector<SliderOption>& sliders);
+/// Reads the command line, with an option for each slider of the plug-in that `plugin` registers.
+/// @throw UsageError where it isn't one of the program's, Failure which names option and value where a value is no
+/// good.
+Arguments parseArguments(int count, const char* const* words, const Registration& plugin,
+                         const std::vector<Slider>& sliders);
 
 } // namespace Ombrique::Hosts

@@ -1,6 +1,7 @@
 #include "Hosts/CommandLine/RunReport.h"
 
-#include "Hosts/CommandLine/FrameRanges.h"
+#include "Hosts/CommandLine/StopSignals.h"
+#include "Hosts/Shots/FrameRanges.h"
 
 #include <algorithm>
 #include <array>
@@ -53,20 +54,22 @@ int terminalColumns() {
 
 } // namespace
 
-RunReport::RunReport(const StandardStreams& streams, const Shot& shot, Talk talk)
+RunReport::RunReport(const StandardStreams& streams, const Shot& shot, Verbosity verbosity)
     : mStreams(streams), mIsSequence(shot.isSequence), mTotal(static_cast<int>(shot.frames.size())),
-      mSkipped(shot.skipped), mTalk(talk), mIsTerminal(isatty(STDERR_FILENO) != 0) {
+      mSkipped(shot.skipped), mVerbosity(verbosity), mIsTerminal(isatty(STDERR_FILENO) != 0) {
     mFailed.reserve(shot.frames.size());
 }
+
+bool RunReport::stopRequested() const noexcept { return StopSignals::requested() != 0; }
 
 void RunReport::frameDone(const ShotFrame& frame, const std::vector<std::string>& losses, double seconds) noexcept {
     const std::lock_guard lock(mMutex);
     ++mDone;
     tellIfPossible([&] {
         for (const std::string& loss : losses)
-            if (mTalk != Talk::Quiet && mLossesTold.insert(loss).second)
+            if (mVerbosity != Verbosity::Quiet && mLossesTold.insert(loss).second)
                 printLine({"note: ", frame.input.native(), ": ", loss});
-        if (mTalk == Talk::Verbose)
+        if (mVerbosity == Verbosity::Verbose)
             printLine({frame.output.native(), ": done in ", decimal(seconds, 2), " s"});
         showProgress();
     });
@@ -83,7 +86,7 @@ void RunReport::end(int signal) {
     const std::lock_guard lock(mMutex);
     std::ranges::sort(mFailed);
     const double elapsed = std::chrono::duration<double>(Clock::now() - mStart).count();
-    if (mIsSequence && mTalk != Talk::Quiet)
+    if (mIsSequence && mVerbosity != Verbosity::Quiet)
         printLine({std::to_string(mDone) + " of " + std::to_string(mTotal) + " frames in " + clockText(elapsed) + ", " +
                        decimal(mDone / std::max(elapsed, 1e-3), 1) + " frames/s",
                    mSkipped > 0 ? "; " + std::to_string(mSkipped) + " more were there" : ""});
@@ -104,7 +107,7 @@ void RunReport::printLine(std::initializer_list<std::string_view> text) const {
 void RunReport::showProgress() {
     const auto now = Clock::now();
     const auto between = mIsTerminal ? Clock::duration(kBetweenBars) : Clock::duration(kBetweenLines);
-    if (!mIsSequence || mTalk == Talk::Quiet || now - mLastShown < between)
+    if (!mIsSequence || mVerbosity == Verbosity::Quiet || now - mLastShown < between)
         return;
     mLastShown = now;
     const double elapsed = std::chrono::duration<double>(now - mStart).count();

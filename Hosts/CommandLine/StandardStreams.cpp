@@ -1,6 +1,6 @@
 #include "Hosts/CommandLine/StandardStreams.h"
 
-#include "Hosts/CommandLine/Failure.h"
+#include "Hosts/Pictures/Failure.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <iostream>
-#include <mutex>
 #include <span>
 #include <sys/mman.h>
 #include <sys/uio.h>
@@ -35,17 +34,6 @@ int writeAll(int descriptor, std::span<const char> text) {
 void flushLibraryText() {
     std::cout.flush();
     std::fflush(stdout);
-}
-
-struct Quiet {
-    std::mutex mutex;
-    int users = 0;
-    int standardError = -1;
-};
-
-Quiet& quiet() {
-    static Quiet instance;
-    return instance;
 }
 
 } // namespace
@@ -104,26 +92,6 @@ void StandardStreams::releaseLibraryText() {
         writeAll(mMessages, {piece.data(), static_cast<std::size_t>(count)});
     close(mHeld);
     mHeld = -1;
-}
-
-QuietStandardError::QuietStandardError() {
-    const std::lock_guard lock(quiet().mutex);
-    if (quiet().users++ > 0)
-        return;
-    std::fflush(stderr);
-    quiet().standardError = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    dup2(nowhere, STDERR_FILENO);
-    close(nowhere);
-}
-
-QuietStandardError::~QuietStandardError() {
-    const std::lock_guard lock(quiet().mutex);
-    if (--quiet().users > 0)
-        return;
-    std::fflush(stderr);
-    dup2(quiet().standardError, STDERR_FILENO);
-    close(quiet().standardError);
 }
 
 } // namespace Ombrique::Hosts

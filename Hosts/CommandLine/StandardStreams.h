@@ -19,8 +19,8 @@ public:
     /// Writes text to the real standard output.
     /// @throw Failure where it can't be written.
     void printResult(const std::string& text) const;
-    /// Writes the parts of a text to standard error at once, also while that is quiet; nobody learns when it can't be
-    /// written. Needs no memory. Eight parts at most.
+    /// Writes the parts of a text to standard error at once, also while a QuietStandardError lives; a failed write is
+    /// ignored. Needs no memory. Eight parts at most.
     void printMessage(std::initializer_list<std::string_view> parts) const;
     /// Sends what libraries printed so far to standard error, and whatever they print from now on. Where this is never
     /// called, their text is dropped: a wrong command line is answered in one line.
@@ -30,16 +30,6 @@ private:
     int mResults = -1;
     int mMessages = -1;
     int mHeld = -1;
-};
-
-/// While any of these lives, nothing reaches standard error. Decoders print there, around the error that they return;
-/// what went wrong is told by whoever called them, in one line.
-class QuietStandardError {
-public:
-    QuietStandardError();
-    ~QuietStandardError();
-    QuietStandardError(const QuietStandardError&) = delete;
-    QuietStandardError& operator=(const QuietStandardError&) = delete;
 };
 
 } // namespace Ombrique::Hosts

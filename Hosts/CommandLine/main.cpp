@@ -1,18 +1,21 @@
-#include "Hosts/CommandLine/About.h"
+#include "Hosts/Bundle/BundleLocation.h"
 #include "Hosts/CommandLine/Arguments.h"
-#include "Hosts/CommandLine/ContactSheet.h"
-#include "Hosts/CommandLine/Failure.h"
-#include "Hosts/CommandLine/FrameRanges.h"
-#include "Hosts/CommandLine/RenderShot.h"
+#include "Hosts/CommandLine/RunReport.h"
 #include "Hosts/CommandLine/StandardStreams.h"
 #include "Hosts/CommandLine/StopSignals.h"
-#include "Hosts/Engine/BundleLocation.h"
 #include "Hosts/Engine/Effect.h"
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Shots/ContactSheet.h"
+#include "Hosts/Shots/FrameRanges.h"
+#include "Hosts/Shots/RenderShot.h"
 #include "Platform/OpenGL/DriverLimits.h"
 
+#include <algorithm>
+#include <iomanip>
 #include <limits>
 #include <malloc.h>
 #include <new>
+#include <sstream>
 
 namespace Ombrique::Hosts {
 
@@ -32,11 +35,28 @@ void setUp(Effect& effect) {
         throw PluginFailure("the plug-in can't be set up: " + result.describe());
 }
 
+/// The longest side of a picture that the driver can hold, in pixels.
 int requireDriver() {
     const int longestSide = longestRenderableSide();
     if (longestSide == 0)
         throw Failure("OpenGL: no driver on this machine gives a context of version 3.3 or more");
     return longestSide;
+}
+
+/// The plug-in's About text, and a line for each slider.
+std::string aboutText(const Effect& effect, const std::vector<Slider>& sliders) {
+    const CommandResult result = effect.about();
+    if (!result.clean())
+        throw PluginFailure(result.describe());
+    // The host's dialogs break lines at a carriage return.
+    std::string message = result.message;
+    std::ranges::replace(message, '\r', '\n');
+    std::ostringstream text;
+    text << message << "\n\nParameters:\n" << std::left;
+    for (const Slider& slider : sliders)
+        text << "  " << std::setw(14) << "--" + slider.word() << std::setw(20) << slider.name << slider.describeRange()
+             << "\n";
+    return text.str();
 }
 
 /// Prints a line of frames, or nothing where none is missing.
@@ -48,44 +68,45 @@ void listMissing(const Shot& shot, StandardStreams& streams) {
         streams.printResult(describeFrames(numbers) + "\n");
 }
 
-int renderFiles(const Effect& effect, const Arguments& arguments, StandardStreams& streams) {
-    const Shot shot = planShot(arguments);
+int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& streams) {
+    const Shot shot = planShot(arguments.shot);
     if (arguments.listMissing) {
         listMissing(shot, streams);
         return kDone;
     }
     const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression};
-    if (arguments.talk == Talk::Verbose)
+    setUp(effect);
+    if (arguments.verbosity == Verbosity::Verbose)
         streams.releaseLibraryText();
     const StopSignals signals;
-    RunReport report(streams, shot, arguments.talk);
+    RunReport report(streams, shot, arguments.verbosity);
     if (renderShot(effect, shot, settings, arguments.jobs, report))
         streams.releaseLibraryText();
     report.end(StopSignals::requested());
     return report.anyFailed() ? kFailed : kDone;
 }
 
-int renderSheet(const Effect& effect, const std::vector<SliderOption>& sliders, const Arguments& arguments,
+int renderSheet(Effect& effect, const std::vector<Slider>& sliders, const Arguments& arguments,
                 StandardStreams& streams) {
-    const ContactSheet sheet{firstInput(arguments), arguments.sheet, arguments.lists, arguments.compression,
+    const ContactSheet sheet{firstInput(arguments.shot), arguments.sheet, arguments.lists, arguments.compression,
                              requireDriver()};
+    setUp(effect);
     for (const std::string& loss : writeContactSheet(effect, sliders, sheet))
-        if (arguments.talk != Talk::Quiet)
-            streams.printMessage({"ombrique-render: note: ", arguments.input, ": ", loss, "\n"});
+        if (arguments.verbosity != Verbosity::Quiet)
+            streams.printMessage({"ombrique-render: note: ", arguments.shot.input, ": ", loss, "\n"});
     return kDone;
 }
 
 int run(int count, const char* const* words, StandardStreams& streams) {
     const PluginBundle bundle(bundleLocation("/proc/self/exe", {OMBRIQUE_BUNDLE_BUILT, OMBRIQUE_BUNDLE_INSTALLED}),
                               {OMBRIQUE_BUNDLE_IDENTIFIER, OMBRIQUE_BUNDLE_VERSION});
-    Effect effect(bundle);
-    setUp(effect);
-    const std::vector<SliderOption> sliders = sliderOptions(effect.parameters());
-    const Arguments arguments = parseArguments(count, words, sliders);
+    const std::vector<Slider> sliders = declaredSliders(bundle);
+    const Arguments arguments = parseArguments(count, words, bundle.registration(), sliders);
     if (!arguments.answer.empty()) {
         streams.printResult(arguments.answer);
         return kDone;
     }
+    Effect effect(bundle);
     if (arguments.about) {
         streams.printResult(aboutText(effect, sliders));
         streams.releaseLibraryText();

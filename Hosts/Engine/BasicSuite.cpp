@@ -1,11 +1,12 @@
-#include "Hosts/Engine/HostFunctions.h"
+#include "Hosts/Engine/HostTables.h"
+#include "Hosts/Engine/Serve.h"
 
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <string>
 
-// The desk where suites are acquired and released.
+// Where suites are acquired and released.
 namespace Ombrique::Hosts {
 
 namespace {
@@ -68,10 +69,5 @@ SPErr releaseSuite(const char* name, std::int32_t version) {
 } // namespace
 
 SPBasicSuite kBasicSuite = {acquireSuite, releaseSuite};
-
-const Fault* strikingFault(const HostCall& call, std::string_view name, std::string_view detail, bool canFail) {
-    FaultPlan* const plan = call.request().faults;
-    return plan ? plan->arrive(name, detail, canFail) : nullptr;
-}
 
 } // namespace Ombrique::Hosts

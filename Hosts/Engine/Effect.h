@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Hosts/Bundle/PluginBundle.h"
 #include "Hosts/Engine/HostCall.h"
-#include "Hosts/Engine/PluginBundle.h"
 
 #include <vector>
 
@@ -18,7 +18,7 @@ struct FrameResult : CommandResult {
 /// plug-in comes back as a value.
 ///
 /// about() and render() may run on several threads at once, each frame with worlds of its own; setUp() and setDown()
-/// run alone. Contexts of OpenGL that the caller has current are none of the engine's concern: it calls none.
+/// run alone. The engine makes no OpenGL calls.
 ///
 ///     PluginBundle bundle("OmbriqueContrast.plugin");
 ///     Effect effect(bundle);

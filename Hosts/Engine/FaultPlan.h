@@ -30,7 +30,7 @@ constexpr PF_Err kInjectedError = 599;
 struct Fault {
     /// Which: a function's name ("checkout_param"), or that with its detail ("checkout_param 2"); empty means any.
     std::string call{};
-    /// The how manieth such call fails, counted from 1; 0 means each.
+    /// Which such call fails, counted from 1; 0 means each.
     int nth = 1;
     FaultKind kind = FaultKind::Refuse;
     PF_Err error = kInjectedError;

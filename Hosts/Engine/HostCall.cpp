@@ -1,6 +1,6 @@
 #include "Hosts/Engine/HostCall.h"
 
-#include "Hosts/Engine/HostFunctions.h"
+#include "Hosts/Engine/HostTables.h"
 
 #include <cassert>
 #include <cstring>
@@ -12,7 +12,7 @@ namespace {
 
 thread_local HostCall* currentCall = nullptr;
 
-/// Makes a stretch current on this thread for the length of a scope.
+/// Makes a session current on this thread for the length of a scope.
 class CurrentScope {
 public:
     explicit CurrentScope(HostCall* call) : mOuter(std::exchange(currentCall, call)) {}
@@ -78,7 +78,7 @@ HostCall::HostCall(FrameRequest request, HostEnvironment environment)
 }
 
 HostCall::~HostCall() {
-    assert(currentCall == this && "a stretch ends on the thread that it began on, the inner one first");
+    assert(currentCall == this && "a session ends on the thread that it began on, the inner one first");
     currentCall = mOuter;
 }
 
@@ -122,6 +122,10 @@ CommandResult HostCall::send(PF_EntryPoint entryPoint, PF_Cmd command, void* ext
         result.findings.push_back(commandName(command) + ": " + finding);
     mLedger.clear();
     return result;
+}
+
+const Fault* HostCall::strikingFault(std::string_view name, std::string_view detail, bool canFail) const {
+    return mRequest.faults ? mRequest.faults->arrive(name, detail, canFail) : nullptr;
 }
 
 bool HostCall::owns(PF_ProgPtr effectRef) {

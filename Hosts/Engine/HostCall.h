@@ -5,6 +5,7 @@
 #include "Platform/HostInterface/HostInterface.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The host's side of `effect_ref`: its address is all that matters.
@@ -33,12 +34,12 @@ struct CommandResult {
 /// A command's name in the interface, or its number.
 std::string commandName(PF_Cmd command);
 
-/// One stretch of calls from the host into a plug-in, with all that the host serves meanwhile: in_data and its
-/// callbacks, the suites, and the book that is kept of them. A frame is one stretch of two commands.
+/// A session: calls from the host into a plug-in, with all that the host serves meanwhile: in_data and its
+/// callbacks, the suites, and the book that is kept of them. A frame is one session of two commands.
 ///
-/// The suites' functions don't say on whose behalf they are called, so a stretch is found by thread: it is current on
-/// the thread that made it from construction to destruction, and on the thread of send() meanwhile. Stretches nest.
-/// Host functions that are called on a thread without a current stretch fail with PF_Err_BAD_CALLBACK_PARAM or null.
+/// The suites' functions don't say on whose behalf they are called, so a session is found by thread: it is current on
+/// the thread that made it from construction to destruction, and on the thread of send() meanwhile. Sessions nest.
+/// Host functions that are called on a thread without a current session fail with PF_Err_BAD_CALLBACK_PARAM or null.
 /// So code that uses the host's services can be run without any bundle:
 ///
 ///     HostCall call({.input = &world});
@@ -53,7 +54,7 @@ public:
     HostCall(const HostCall&) = delete;
     HostCall& operator=(const HostCall&) = delete;
 
-    /// The stretch that is current on the calling thread, or null.
+    /// The session that is current on the calling thread, or null.
     static HostCall* current();
 
     /// What the plug-in's code is called with. send() sets in_data anew for each command.
@@ -70,17 +71,20 @@ public:
     /// What is out of balance, or was done wrongly, since construction or the last command.
     std::vector<std::string> findings() const { return mLedger.findings(); }
 
-    /// For the callbacks and suites, on the thread of this stretch.
+    /// For the callbacks and suites, on the thread of this session.
     const FrameRequest& request() const { return mRequest; }
     const HostEnvironment& environment() const { return mEnvironment; }
     Ledger& ledger() { return mLedger; }
-    /// Whether `effectRef` is the one that this stretch handed out; noted where it isn't.
+    /// Logs a call of the host by the plan of the request (see FaultPlan), and returns the fault that strikes it, or
+    /// null.
+    const Fault* strikingFault(std::string_view name, std::string_view detail, bool canFail) const;
+    /// Whether `effectRef` is the one that this session handed out; noted where it isn't.
     bool owns(PF_ProgPtr effectRef);
     /// What add_param declared since construction.
     std::vector<PF_ParamDef>& addedParameters() { return mAddedParameters; }
     /// The checkout ids of checkout_layer since construction, or since the last PF_Cmd_SMART_PRE_RENDER was sent.
     std::vector<std::int32_t>& layerCheckouts() { return mLayerCheckouts; }
-    /// The world of this stretch that `layer` is of, or null.
+    /// The world of this session that `layer` is of, or null.
     const World* worldOf(const PF_LayerDef* layer) const;
 
 private:

@@ -11,9 +11,8 @@ namespace Ombrique::Hosts {
 /// The book that a careful host keeps while a plug-in runs: what was taken, and what was given back. Balance means:
 ///
 /// - each suite is released as often as it was acquired, by the same name and version;
-/// - each parameter that was checked out is checked in with the same structure (to check in one that holds no
-/// parameter,
-///   its param_type being 0, is no fault, and does nothing);
+/// - each parameter that was checked out is checked in with the same structure (checking in a structure that holds no
+///   parameter, with a param_type of 0, does nothing);
 /// - each handle is unlocked as often as locked, and disposed of; each memory handle is freed, locked or not;
 /// - nothing is written behind the memory of a handle.
 ///

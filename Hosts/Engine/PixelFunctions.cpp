@@ -1,4 +1,5 @@
-#include "Hosts/Engine/HostFunctions.h"
+#include "Hosts/Engine/HostTables.h"
+#include "Hosts/Engine/Serve.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
-#include "Hosts/CommandLine/Failure.h"
-#include "Hosts/CommandLine/PictureReader.h"
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/PictureReader.h"
 #include "Tests/Fuzz/Require.h"
 
 #include <filesystem>

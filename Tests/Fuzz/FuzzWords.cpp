@@ -1,10 +1,8 @@
 #include "Hosts/CommandLine/Arguments.h"
-#include "Hosts/CommandLine/Failure.h"
-#include "Hosts/CommandLine/FramePart.h"
-#include "Hosts/CommandLine/FramePattern.h"
-#include "Hosts/CommandLine/FrameRanges.h"
-#include "Hosts/CommandLine/Keyframes.h"
-#include "Hosts/CommandLine/SliderOption.h"
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Shots/FramePattern.h"
+#include "Hosts/Shots/FrameRanges.h"
+#include "Hosts/Shots/Keyframes.h"
 #include "Tests/Fuzz/Require.h"
 
 #include <algorithm>
@@ -47,10 +45,10 @@ void framePattern(const std::string& text) {
     require(pattern->at(1).parent_path() == std::filesystem::path(text).parent_path(), "in the pattern's folder");
 }
 
-const SliderOption kSlider{1, "Contrast Value", "--contrast", 0.0, 10.0, 1.0};
+const Slider kSlider{1, "Contrast Value", 0.0, 10.0, 1.0};
 
 void slider(const std::string& text) {
-    const SliderValue value = kSlider.parse(text);
+    const SliderValue value = parseSliderValue(kSlider, text);
     for (const int frame : {0, 1, 1000, 2147483647}) {
         const double there = value.at(timeOfFrame(frame));
         require(there >= kSlider.minimum && there <= kSlider.maximum,
@@ -58,7 +56,7 @@ void slider(const std::string& text) {
     }
 }
 
-void sliderList(const std::string& text) { require(!kSlider.parseList(text).empty(), "a list has a value"); }
+void sliderList(const std::string& text) { require(!parseSliderList(kSlider, text).empty(), "a list has a value"); }
 
 void commandLine(std::string text) {
     std::ranges::replace(text, '\n', '\0');
@@ -68,9 +66,9 @@ void commandLine(std::string text) {
         if (text.find('\0', start) == std::string::npos)
             break;
     }
-    const Arguments arguments = parseArguments(static_cast<int>(words.size()), words.data(), {kSlider});
+    const Arguments arguments = parseArguments(static_cast<int>(words.size()), words.data(), {}, {kSlider});
     require(arguments.jobs >= 0, "jobs are counted");
-    require(!arguments.answer.empty() || arguments.about || !arguments.input.empty(), "there is something to do");
+    require(!arguments.answer.empty() || arguments.about || !arguments.shot.input.empty(), "there is something to do");
 }
 
 } // namespace

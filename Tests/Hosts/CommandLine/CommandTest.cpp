@@ -141,7 +141,6 @@ TEST_F(Command, KeepsResultsApartFromWhatThePluginPrints) {
     EXPECT_EQ(about.output, "Ombrique Contrast v1.0\nOmbrique Contrast\n\nParameters:\n"
                             "  --contrast    Contrast Value      0 to 10, default 1\n"
                             "  --brightness  Brightness Value    -100 to 100, default 0\n");
-    EXPECT_NE(about.messages.find("OpenGL Version"), std::string::npos);
 
     const ProgramRun render = run({"/good.png", "/out.png", "--brightness", "-20", "--verbose"});
     EXPECT_EQ(render.status, 0);

@@ -1,0 +1,79 @@
+#include "Hosts/Pictures/Compression.h"
+
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/TextParts.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <map>
+
+namespace Ombrique::Hosts {
+
+namespace {
+
+/// The methods that OpenImageIO's encoders know; they silently ignore any other.
+const std::map<std::string, std::vector<std::string_view>> kMethods = {
+    {"png", {"default", "filtered", "huffman", "rle", "fixed"}},
+    {"openexr", {"none", "rle", "zip", "zips", "piz", "pxr24", "b44", "b44a", "dwaa", "dwab"}},
+    {"tiff", {"none", "lzw", "zip", "packbits", "jpeg"}},
+    {"jpeg", {"jpeg"}},
+    {"webp", {"lossless", "lossy"}},
+    {"targa", {"none", "rle"}},
+};
+
+/// Whether many pixels are like the one on their left, as in titles and drawings; every sixteenth row is looked at.
+bool hasRuns(const World& pixels) {
+    std::int64_t seen = 0;
+    std::int64_t alike = 0;
+    for (int y = 0; y < pixels.height(); y += 16) {
+        const auto* row = reinterpret_cast<const PF_Pixel8*>(pixels.row(y));
+        for (int x = 1; x < pixels.width(); ++x)
+            alike += std::memcmp(row + x, row + x - 1, sizeof *row) == 0;
+        seen += pixels.width() - 1;
+    }
+    return alike * 8 > seen;
+}
+
+/// A Huffman code on differences to the pixel on the left, with runs where there are any: the usual search for repeats
+/// takes several times as long on photographs, and finds next to nothing.
+void setQuickPng(OIIO::ImageSpec& spec, const World& pixels) {
+    constexpr int kSubFilter = 16;
+    spec.attribute("compression", hasRuns(pixels) ? "rle" : "huffman");
+    spec.attribute("png:compressionLevel", 1);
+    spec.attribute("png:filter", kSubFilter);
+}
+
+} // namespace
+
+void requireCompression(const std::string& wanted, const std::string& format) {
+    if (wanted.empty())
+        return;
+    const auto known = kMethods.find(format);
+    if (known == kMethods.end())
+        throw Failure("--compression " + wanted + ": " + format + " files leave no choice");
+    const auto parts = split(wanted, ':');
+    const bool isLevel = parts.size() == 1 || (parts.size() == 2 && parseCount(parts[1]));
+    if (isLevel && std::ranges::find(known->second, parts[0]) != known->second.end())
+        return;
+    std::string methods;
+    for (const std::string_view method : known->second)
+        methods += (methods.empty() ? "" : ", ") + std::string(method);
+    throw Failure("--compression " + wanted + ": " + format + " files have " + methods +
+                  ", and a level behind a colon");
+}
+
+void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format, const World& pixels) {
+    if (!wanted.empty()) {
+        const auto parts = split(wanted, ':');
+        spec.erase_attribute("CompressionQuality");
+        // The encoders of other formats read the level off the method's text.
+        spec.attribute("compression", format == "png" ? std::string(parts[0]) : wanted);
+        if (format == "png" && parts.size() == 2)
+            spec.attribute("png:compressionLevel", std::min(*parseCount(parts[1]), 9));
+    } else if (format == "png") {
+        setQuickPng(spec, pixels);
+    }
+}
+
+} // namespace Ombrique::Hosts

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Hosts/Pictures/Picture.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace Ombrique::Hosts {
+
+/// Reads one picture of any format that OpenImageIO knows. Of a file with several pictures it takes the first, of a
+/// texture the largest level. All failures are thrown as Failure and name the file, but std::bad_alloc where memory
+/// runs out.
+class PictureReader {
+public:
+    /// Opens the file and reads its header. A picture with a side beyond `longestSide` pixels, the driver's limit, is
+    /// refused before memory is asked for.
+    PictureReader(const std::filesystem::path& path, int longestSide);
+
+    /// The size of the data window, in pixels.
+    int width() const { return mOrigin.spec.width; }
+    int height() const { return mOrigin.spec.height; }
+
+    /// What the file says of itself.
+    const PictureOrigin& origin() const { return mOrigin; }
+
+    /// Reads the pixels into a world of the picture's size; once. A file that ends too early, or is damaged on the way,
+    /// is refused whole; the world's contents are then unspecified.
+    void read(World& into);
+
+private:
+    template <typename Sample> bool readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples);
+    template <typename Sample> void readAs(World& into, int firstChannel, int endChannel);
+    void requireFitting(int longestSide) const;
+    /// OpenImageIO ends the process where it is asked to convert anything else.
+    void requireNumbers() const;
+    void chooseChannels();
+    void noteLosses();
+
+    std::filesystem::path mPath;
+    std::unique_ptr<OIIO::ImageInput> mFile;
+    PictureOrigin mOrigin;
+    /// Samples as the file has them, on their way to another type.
+    std::vector<std::byte> mNative;
+};
+
+} // namespace Ombrique::Hosts

@@ -1,0 +1,44 @@
+#include "Hosts/Shots/RenderFrame.h"
+
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/PictureReader.h"
+#include "Hosts/Pictures/PictureWriter.h"
+#include "Hosts/Shots/Keyframes.h"
+#include "Hosts/Shots/SideBySide.h"
+
+#include <iterator>
+
+namespace Ombrique::Hosts {
+
+void FrameWorlds::fit(int width, int height) {
+    if (input && input->width() == width && input->height() == height)
+        return;
+    input.reset();
+    output.reset();
+    input.emplace(width, height);
+    output.emplace(width, height);
+}
+
+std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame, const FrameSettings& settings,
+                                     FrameWorlds& worlds) {
+    PictureReader reader(frame.input, settings.longestSide);
+    PictureWriter writer(frame.output, settings.compression);
+    worlds.fit(reader.width(), reader.height());
+    reader.read(*worlds.input);
+    const FrameResult result = queue.render({.input = &*worlds.input,
+                                             .output = &*worlds.output,
+                                             .values = settings.values,
+                                             .time = timeOfFrame(frame.number),
+                                             .verifyInput = false});
+    if (!result.clean())
+        throw PluginFailure(frame.input.string() + ": could not be rendered: " + result.describe());
+
+    PictureOrigin origin = reader.origin();
+    std::vector<std::string> losses = origin.losses;
+    std::ranges::move(settings.compare ? writer.write(sideBySide(*worlds.input, *worlds.output, origin), origin)
+                                       : writer.write(*worlds.output, origin),
+                      std::back_inserter(losses));
+    return losses;
+}
+
+} // namespace Ombrique::Hosts

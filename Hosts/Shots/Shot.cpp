@@ -1,0 +1,74 @@
+#include "Hosts/Shots/Shot.h"
+
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Shots/FramePattern.h"
+
+#include <system_error>
+
+namespace Ombrique::Hosts {
+
+namespace {
+
+/// Files appear whole, so one that is there and holds anything is done.
+bool isDone(const std::filesystem::path& output) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(output, error) && std::filesystem::file_size(output, error) > 0;
+}
+
+/// Once for all frames, and before any is read.
+void requireFolder(const std::filesystem::path& output) {
+    std::error_code error;
+    const std::filesystem::path folder = output.parent_path();
+    if (!folder.empty() && !std::filesystem::exists(folder, error))
+        throw Failure(output.string() +
+                      ": can't be written: " + std::make_error_code(std::errc::no_such_file_or_directory).message());
+}
+
+/// Nothing where there is a file of that very name.
+std::optional<FramePattern> patternOf(const std::string& input) {
+    std::error_code error;
+    return std::filesystem::exists(input, error) ? std::nullopt : FramePattern::parse(input);
+}
+
+std::vector<int> framesOf(const ShotRequest& request, const std::optional<FramePattern>& input) {
+    if (request.frames)
+        return *request.frames;
+    if (!input)
+        return {0};
+    std::vector<int> there = input->framesThere();
+    if (there.empty())
+        throw Failure(request.input + ": can't be read: there is no such file, nor a frame of a shot of this name");
+    return there;
+}
+
+} // namespace
+
+std::filesystem::path firstInput(const ShotRequest& request) {
+    const auto input = patternOf(request.input);
+    return input ? input->at(framesOf(request, input).front()) : std::filesystem::path(request.input);
+}
+
+Shot planShot(const ShotRequest& request) {
+    const auto input = patternOf(request.input);
+    const auto output = input || request.frames ? FramePattern::parse(request.output) : std::nullopt;
+    // Before any are left out: a part is the same on all machines, however far they are.
+    const std::vector<int> numbers = framesOfPart(framesOf(request, input), request.part);
+    if (numbers.size() > 1 && !output)
+        throw UsageError("OUTPUT " + request.output +
+                         " has no place for the number of a frame, as ####, and there are several frames");
+    requireFolder(request.output);
+
+    Shot shot;
+    shot.isSequence = output.has_value();
+    for (const int number : numbers) {
+        ShotFrame frame{number, input ? input->at(number) : std::filesystem::path(request.input),
+                        output ? output->at(number) : std::filesystem::path(request.output)};
+        if (request.skipExisting && isDone(frame.output))
+            ++shot.skipped;
+        else
+            shot.frames.push_back(std::move(frame));
+    }
+    return shot;
+}
+
+} // namespace Ombrique::Hosts
