@@ -30,17 +30,19 @@ public:
         return self.result;
     }
 
-    void signal() {
+    kern_return_t signal() {
         const std::lock_guard lock(mMutex);
         if (mLast != nullptr)
             releaseLast(KERN_SUCCESS);
         else
             ++mCount;
+        return KERN_SUCCESS;
     }
 
-    void signalAll() {
+    kern_return_t signalAll() {
         const std::lock_guard lock(mMutex);
         releaseAll(KERN_SUCCESS);
+        return KERN_SUCCESS;
     }
 
     // A thread may have looked the name up before it ended and get here only now: it must not block for ever.
@@ -120,6 +122,11 @@ Registry& registry() {
     return instance;
 }
 
+kern_return_t call(semaphore_t name, kern_return_t (CountingSemaphore::*operation)()) {
+    const auto found = registry().find(name);
+    return found != nullptr ? ((*found).*operation)() : KERN_INVALID_ARGUMENT;
+}
+
 } // namespace
 
 task_t mach_task_self() noexcept { return kThisTask; }
@@ -143,25 +150,12 @@ kern_return_t semaphore_destroy(task_t task, semaphore_t semaphore) noexcept {
     return KERN_SUCCESS;
 }
 
-kern_return_t semaphore_wait(semaphore_t semaphore) noexcept {
-    const auto found = registry().find(semaphore);
-    return found != nullptr ? found->wait() : KERN_INVALID_ARGUMENT;
-}
+kern_return_t semaphore_wait(semaphore_t semaphore) noexcept { return call(semaphore, &CountingSemaphore::wait); }
 
-kern_return_t semaphore_signal(semaphore_t semaphore) noexcept {
-    const auto found = registry().find(semaphore);
-    if (found == nullptr)
-        return KERN_INVALID_ARGUMENT;
-    found->signal();
-    return KERN_SUCCESS;
-}
+kern_return_t semaphore_signal(semaphore_t semaphore) noexcept { return call(semaphore, &CountingSemaphore::signal); }
 
 kern_return_t semaphore_signal_all(semaphore_t semaphore) noexcept {
-    const auto found = registry().find(semaphore);
-    if (found == nullptr)
-        return KERN_INVALID_ARGUMENT;
-    found->signalAll();
-    return KERN_SUCCESS;
+    return call(semaphore, &CountingSemaphore::signalAll);
 }
 
 SemaphoreState inspectSemaphore(semaphore_t semaphore) noexcept {
