@@ -1,5 +1,7 @@
 #include "Platform/OpenGL/EGLBinding.h"
 
+#include <EGL/egl.h>
+
 namespace PlatformEGL {
 
 CGLContextObj currentBinding() {
@@ -19,9 +21,5 @@ bool setBinding(const CGLContextObj& object) {
         return true; // nothing to let go of
     return eglMakeCurrent(display, object.drawSurface, object.readSurface, object.context) == EGL_TRUE;
 }
-
-BoundOpenGLAPI::BoundOpenGLAPI() : mHostAPI(eglQueryAPI()), mBound(eglBindAPI(EGL_OPENGL_API) == EGL_TRUE) {}
-
-BoundOpenGLAPI::~BoundOpenGLAPI() { eglBindAPI(mHostAPI); }
 
 } // namespace PlatformEGL

@@ -9,8 +9,11 @@ public:
     NSObject(const NSObject&) = delete;
     NSObject& operator=(const NSObject&) = delete;
 
-    void retain();
-    void release();
+    void retain() { mReferences.fetch_add(1, std::memory_order_relaxed); }
+    void release() {
+        if (mReferences.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete this;
+    }
 
 protected:
     NSObject() = default;
@@ -18,7 +21,13 @@ protected:
 
     /// Takes a reference unless the last one has been released already; returns whether it did. For tables that list
     /// objects without holding them.
-    bool retainIfAlive();
+    bool retainIfAlive() {
+        int references = mReferences.load(std::memory_order_relaxed);
+        while (references > 0)
+            if (mReferences.compare_exchange_weak(references, references + 1, std::memory_order_acq_rel))
+                return true;
+        return false;
+    }
 
 private:
     std::atomic<int> mReferences = 1;

@@ -125,16 +125,18 @@ EGLConfig chooseConfig(EGLDisplay display, const ConfigRequest& request) {
 }
 
 CGLContextObj createContext(EGLDisplay display, EGLConfig config, EGLContext shareContext) {
-    const BoundOpenGLAPI api;
-    if (!api.isBound())
-        return nullptr;
     // "#version 330" belongs to version 3.3, and a driver may take the version at its word.
     const EGLint attributes[] = {
         EGL_CONTEXT_MAJOR_VERSION,           3,       EGL_CONTEXT_MINOR_VERSION, 3, EGL_CONTEXT_OPENGL_PROFILE_MASK,
         EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT, EGL_NONE};
     CGLContextObj object;
     object.display = display;
+    // The client API that is bound makes a context one of OpenGL; what the host has bound is bound again afterwards.
+    const EGLenum hostAPI = eglQueryAPI();
+    if (!eglBindAPI(EGL_OPENGL_API))
+        return nullptr;
     object.context = eglCreateContext(display, config, shareContext, attributes);
+    eglBindAPI(hostAPI);
     if (object.context == EGL_NO_CONTEXT)
         return nullptr;
     if (needsSurface(display)) {
