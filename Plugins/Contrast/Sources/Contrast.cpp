@@ -200,18 +200,6 @@ const AEOpenGLContext& currentRenderContext() {
     return *context;
 }
 
-/// Uploads the input, corrects it and leaves the finished picture bound for reading.
-void drawFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output, unsigned long& pixelSize, GLenum& glType) {
-    float multiplier = 1.0f;
-    const unsigned texture = AEOpenGLUtilities::UploadTexture(PF_PixelFormat_ARGB32, input, output, in_data, pixelSize,
-                                                              glType, multiplier, false);
-    {
-        const ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
-        mWarpRender->draw(texture, multiplier);
-    }
-    AEOpenglMainFrameBuffer::mainFrameBuffer()->endDrawing(multiplier);
-}
-
 /// The road of a frame, from the input world to the output world, in the calling thread's context. Returns the first
 /// error of the sliders, which doesn't stop the frame.
 PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) {
@@ -224,7 +212,7 @@ PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) 
 
     AEOpenglMainFrameBuffer* const frameBuffer = AEOpenglMainFrameBuffer::mainFrameBuffer();
     frameBuffer->prepare(input->width, input->height, true);
-    ScopeExit clearStack([&] { frameBuffer->clearStack(); });
+    const ScopeExit clearStack([&] { frameBuffer->clearStack(); });
     frameBuffer->beginDrawing();
 
     const SuiteScoper<AEGP_PFInterfaceSuite1> interfaceSuite(in_data, "AEGP PF Interface Suite", 1, nullptr, nullptr);
@@ -235,8 +223,14 @@ PF_Err renderFrame(PF_InData* in_data, PF_LayerDef* input, PF_LayerDef* output) 
 
     unsigned long pixelSize = sizeof(PF_Pixel8);
     GLenum glType = GL_UNSIGNED_BYTE;
-    drawFrame(in_data, input, output, pixelSize, glType);
-    clearStack.dismiss(); // endDrawing has emptied it, and from here on other frames may use it
+    float multiplier = 1.0f;
+    const unsigned texture = AEOpenGLUtilities::UploadTexture(PF_PixelFormat_ARGB32, input, output, in_data, pixelSize,
+                                                              glType, multiplier, false);
+    {
+        const ScopeExit deleteTexture([&] { glDeleteTextures(1, &texture); });
+        mWarpRender->draw(texture, multiplier);
+    }
+    frameBuffer->endDrawing(multiplier);
     AEOpenGLUtilities::DownloadTexture(static_cast<unsigned>(input->width), static_cast<unsigned>(input->height), input,
                                        output, in_data, PF_PixelFormat_ARGB32, pixelSize, glType);
     hostContext.restore(); // before the suites are released
