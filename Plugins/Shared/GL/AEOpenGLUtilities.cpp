@@ -15,9 +15,6 @@ namespace Ombrique::GaussianBlur {
 
 namespace {
 
-/// The host's 16-bit white is 32768, and OpenGL takes 65535 for white.
-constexpr float kMultiplier16bit = 65535.0f / 32768.0f;
-
 // How each of the integer depths is known to OpenGL, and how the host hands out its pixels. `in_data` is the name that
 // the host's macros look for.
 
@@ -33,7 +30,8 @@ struct Depth8 {
 struct Depth16 {
     using Pixel = PF_Pixel16;
     static constexpr GLenum kType = GL_UNSIGNED_SHORT;
-    static constexpr float kMultiplier = kMultiplier16bit;
+    /// The host's white is 32768, and OpenGL takes 65535 for white.
+    static constexpr float kMultiplier = 65535.0f / 32768.0f;
     static void start(PF_InData* in_data, PF_LayerDef* world, Pixel** pixels) {
         PF_GET_PIXEL_DATA16(world, nullptr, pixels);
     }

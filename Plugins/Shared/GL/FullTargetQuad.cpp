@@ -2,8 +2,8 @@
 
 #include <glbinding/gl/gl.h>
 
-#include <array>
 #include <cstdint>
+#include <vector>
 
 using namespace gl;
 
@@ -15,23 +15,21 @@ constexpr int kPositionLocation = 0;
 constexpr int kTextureCoordinateLocation = 1;
 constexpr int kTextureCoordinateComponents = 2;
 
-constexpr std::array<float, 24> kFlatVertices = {
-    1.0f,  -1.0f, 1.0f, 0.0f, //
-    1.0f,  1.0f,  1.0f, 1.0f, //
-    -1.0f, 1.0f,  0.0f, 1.0f, //
-    -1.0f, 1.0f,  0.0f, 1.0f, //
-    -1.0f, -1.0f, 0.0f, 0.0f, //
-    1.0f,  -1.0f, 1.0f, 0.0f, //
-};
+/// Two triangles over the whole of clip space.
+constexpr float kCorners[][2] = {{1.0f, -1.0f}, {1.0f, 1.0f},   {-1.0f, 1.0f},
+                                 {-1.0f, 1.0f}, {-1.0f, -1.0f}, {1.0f, -1.0f}};
 
-constexpr std::array<float, 30> kDeepVertices = {
-    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f, //
-    1.0f,  1.0f,  0.0f, 1.0f, 1.0f, //
-    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f, //
-    -1.0f, 1.0f,  0.0f, 0.0f, 1.0f, //
-    -1.0f, -1.0f, 0.0f, 0.0f, 0.0f, //
-    1.0f,  -1.0f, 0.0f, 1.0f, 0.0f, //
-};
+/// For each corner its position, with a third coordinate of 0 where there are to be three, and its texture coordinate.
+std::vector<float> makeVertices(int positionComponents) {
+    std::vector<float> vertices;
+    for (const auto& [x, y] : kCorners) {
+        vertices.insert(vertices.end(), {x, y});
+        if (positionComponents == 3)
+            vertices.push_back(0.0f);
+        vertices.insert(vertices.end(), {0.5f * (x + 1.0f), 0.5f * (y + 1.0f)});
+    }
+    return vertices;
+}
 
 /// A byte offset into the bound buffer, in the form that the attribute setters take.
 const float* offset(int floats) {
@@ -69,12 +67,11 @@ unsigned FullTargetQuad::makeVertexObjects() {
         glBindVertexArray(vertexArray);
     }
     if (mVertexBuffer == 0) {
+        const std::vector<float> vertices = makeVertices(mPositionComponents);
         glGenBuffers(1, &mVertexBuffer);
         glBindBuffer(GL_ARRAY_BUFFER, mVertexBuffer);
-        if (mPositionComponents == 2)
-            glBufferData(GL_ARRAY_BUFFER, sizeof(kFlatVertices), kFlatVertices.data(), GL_STATIC_DRAW);
-        else
-            glBufferData(GL_ARRAY_BUFFER, sizeof(kDeepVertices), kDeepVertices.data(), GL_STATIC_DRAW);
+        glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(float)), vertices.data(),
+                     GL_STATIC_DRAW);
     }
     return vertexArray;
 }

@@ -76,8 +76,8 @@ void describeAttribute(int location, int components, GLenum type, const void* po
     glVertexAttribPointer(static_cast<GLuint>(location), components, type, GL_FALSE, stride, pointer);
 }
 
-/// The same, but for an attribute that the program may not have.
-void describeKnownAttribute(int location, int components, GLenum type, const void* pointer, int stride) {
+/// The same where the program has such an attribute: its location isn't -1.
+void describeExistingAttribute(int location, int components, GLenum type, const void* pointer, int stride) {
     if (location != -1)
         describeAttribute(location, components, type, pointer, stride);
 }
@@ -210,22 +210,22 @@ void OpenglShader::setUniform4fv(const std::string& name, const float* values, i
 
 void OpenglShader::setAttribute1iv(int location, const int* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(location, 1, GL_INT, pointer, stride);
+        describeExistingAttribute(location, 1, GL_INT, pointer, stride);
 }
 
 void OpenglShader::setAttribute1fv(const std::string& name, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(getAttributeLocation(name), 1, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(getAttributeLocation(name), 1, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::setAttribute1fv(int location, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(location, 1, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(location, 1, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::setAttribute2fv(const std::string& name, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(getAttributeLocation(name), 2, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(getAttributeLocation(name), 2, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::setAttribute2fv(int location, const float* pointer, int stride) {
@@ -235,7 +235,7 @@ void OpenglShader::setAttribute2fv(int location, const float* pointer, int strid
 
 void OpenglShader::setAttribute3fv(const std::string& name, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(getAttributeLocation(name), 3, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(getAttributeLocation(name), 3, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::setAttribute3fv(int location, const float* pointer, int stride) {
@@ -245,12 +245,12 @@ void OpenglShader::setAttribute3fv(int location, const float* pointer, int strid
 
 void OpenglShader::setAttribute4fv(const std::string& name, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(getAttributeLocation(name), 4, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(getAttributeLocation(name), 4, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::setAttribute4fv(int location, const float* pointer, int stride) {
     if (mProgram != 0)
-        describeKnownAttribute(location, 4, GL_FLOAT, pointer, stride);
+        describeExistingAttribute(location, 4, GL_FLOAT, pointer, stride);
 }
 
 void OpenglShader::disableVertexAttributeArray(int location) {
