@@ -134,7 +134,7 @@ private:
     template <typename Action> void verify(const char* who, Action action) {
         mOutput.fill(PF_Pixel8{1, 2, 3, 4});
         action();
-        if (const std::string text = Tests::compareWithOracle(mInput, mOutput, kContrast, kBrightness); !text.empty())
+        if (const std::string text = Tests::compareWithOracle(mInput, mOutput, {kContrast, kBrightness}); !text.empty())
             throw std::runtime_error(std::string(who) + ": " + text);
     }
 

@@ -98,7 +98,7 @@ private:
             {.input = &input, .output = &output, .values = {{1, contrast}, {2, brightness}}, .verifyInput = check});
         std::string fault = result.clean() ? "" : result.describe();
         if (check && fault.empty())
-            fault = Tests::compareWithOracle(input, output, contrast, brightness);
+            fault = Tests::compareWithOracle(input, output, {contrast, brightness});
         mCheckedFrames += check;
         if (!fault.empty() && ++mWrongFrames <= 10)
             std::printf("%d by %d, contrast %g, brightness %g: %s\n", input.width(), input.height(), contrast,

@@ -1,6 +1,10 @@
-#include "Tests/Support/EffectHarness.h"
+#include "Tests/Support/EffectTest.h"
+#include "Tests/Support/OpenGLObjects.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <tuple>
 
 namespace Ombrique::Tests {
 
@@ -8,15 +12,23 @@ namespace {
 
 using namespace Hosts;
 
-TEST(Commands, AboutGivesTheText) {
-    const EffectHarness harness;
-    EXPECT_EQ(harness.effect.about().message, "Ombrique Contrast v1.0\rOmbrique Contrast");
+class Commands : public EffectTest {
+protected:
+    PF_Err send(PF_Cmd command, FrameRequest request = {}) const {
+        HostCall call(request, effect.environment());
+        PF_SmartRenderExtra extra{HostCall::smartRenderCallbacks()};
+        const CommandResult result = call.send(bundle.entryPoint(), command, &extra);
+        EXPECT_TRUE(result.findings.empty()) << result.describe();
+        return result.error;
+    }
+};
 
+TEST_F(Commands, AboutGivesTheText) {
+    EXPECT_EQ(effect.about().message, "Ombrique Contrast v1.0\rOmbrique Contrast");
     FaultPlan noSuite{{.call = "AcquireSuite PF ANSI Suite"}};
-    const CommandResult result = harness.effect.about(&noSuite);
+    const CommandResult result = effect.about(&noSuite);
     EXPECT_EQ(result.error, PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(result.message, "");
-    EXPECT_TRUE(result.findings.empty()) << result.describe();
 }
 
 /// A float slider of which all that isn't named is zero.
@@ -31,99 +43,225 @@ PF_ParamDef slider(int id, const char* name, float value, float least, float mos
     values.valid_min = values.slider_min = least;
     values.valid_max = values.slider_max = most;
     values.precision = precision;
-    values.curve_tolerance = 0.05F;
+    values.curve_tolerance = 0.05f;
     return definition;
 }
 
-TEST(Commands, SetupDeclaresTheSliders) {
-    const EffectHarness harness;
-    EXPECT_EQ(harness.effect.declaration().num_params, 3);
-    const auto& parameters = harness.effect.parameters();
-    ASSERT_EQ(parameters.size(), 2U); // the input layer is not declared
-
-    const PF_ParamDef contrast = slider(1, "Contrast Value", 1.0F, 0.0F, 10.0F, 2);
-    const PF_ParamDef brightness = slider(2, "Brightness Value", 0.0F, -100.0F, 100.0F, 1);
-    EXPECT_EQ(std::memcmp(&parameters[0], &contrast, sizeof contrast), 0);
-    EXPECT_EQ(std::memcmp(&parameters[1], &brightness, sizeof brightness), 0);
-}
-
-TEST(Commands, AFailingFirstSliderEndsTheDeclaration) {
-    const EffectHarness harness;
+TEST_F(Commands, SetupDeclaresTheSliders) {
+    const PF_ParamDef sliders[] = {slider(1, "Contrast Value", 1.0f, 0.0f, 10.0f, 2),
+                                   slider(2, "Brightness Value", 0.0f, -100.0f, 100.0f, 1)};
+    const auto& parameters = effect.parameters();
+    ASSERT_EQ(parameters.size(), std::size(sliders));
+    EXPECT_EQ(effect.declaration().num_params, 3); // the input layer counts, and is not declared
+    for (std::size_t i = 0; i < std::size(sliders); ++i)
+        EXPECT_EQ(std::memcmp(&parameters[i], &sliders[i], sizeof(PF_ParamDef)), 0) << sliders[i].name;
     FaultPlan plan{{.call = "add_param", .error = 77}};
-    HostCall call({.faults = &plan});
-    EXPECT_EQ(call.send(harness.bundle.entryPoint(), PF_Cmd_PARAMS_SETUP).error, 77);
-    EXPECT_EQ(plan.count("add_param"), 1);
-    EXPECT_EQ(call.outData()->num_params, 3);
+    EXPECT_EQ(send(PF_Cmd_PARAMS_SETUP, {.faults = &plan}), 77);
+    EXPECT_EQ(plan.count("add_param"), 1) << "the first that fails ends the declaration";
 }
 
-TEST(Commands, OthersTouchNothing) {
-    const EffectHarness harness;
+TEST_F(Commands, OthersTouchNothing) {
     for (const PF_Cmd command : std::initializer_list<PF_Cmd>{2, 5, PF_Cmd_RENDER, 22, 25, -1, 1 << 30}) {
         FaultPlan log;
         HostCall call({.faults = &log});
         PF_OutData untouched;
         std::memset(&untouched, 0x5A, sizeof untouched);
         *call.outData() = untouched;
-        EXPECT_EQ(harness.bundle.entryPoint()(command, call.inData(), call.outData(), nullptr, nullptr, nullptr), 0);
+        EXPECT_EQ(bundle.entryPoint()(command, call.inData(), call.outData(), nullptr, nullptr, nullptr), 0);
         EXPECT_EQ(std::memcmp(call.outData(), &untouched, sizeof untouched), 0) << "command " << command;
         EXPECT_TRUE(log.calls().empty()) << "command " << command;
     }
 }
 
-/// What the layer covers, what the answer holds before, and what it holds afterwards.
-struct PreRenderCase {
-    const char* name;
-    PF_LRect layer;
-    PF_LRect before;
-    PF_LRect after;
-};
+/// The layer as the callback below answers, and with what it was asked.
+struct Layer {
+    PF_CheckoutResult result;
+    PF_Err error;
+    std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t, std::uint32_t> asked;
+    PF_RenderRequest request;
+} layer;
 
-void PrintTo(const PreRenderCase& testCase, std::ostream* stream) { *stream << testCase.name; }
-
-class PreRender : public testing::TestWithParam<PreRenderCase> {};
-
-PF_LRect layerRect; // what the callback below answers
-PF_RenderRequest seenRequest;
-
-PF_Err answerLayer(PF_ProgPtr, std::int32_t index, std::int32_t id, const PF_RenderRequest* request, std::int32_t,
-                   std::int32_t, std::uint32_t, PF_CheckoutResult* result) {
-    EXPECT_EQ(index, 0);
-    EXPECT_EQ(id, 0);
-    seenRequest = *request;
-    result->result_rect = layerRect;
-    result->max_result_rect = layerRect;
-    return PF_Err_NONE;
+PF_Err answerLayer(PF_ProgPtr, std::int32_t index, std::int32_t id, const PF_RenderRequest* request, std::int32_t time,
+                   std::int32_t step, std::uint32_t scale, PF_CheckoutResult* result) {
+    layer.asked = {index, id, time, step, scale};
+    layer.request = *request;
+    *result = layer.result;
+    if (layer.error < 0)
+        throw "no plug-in knows this";
+    return layer.error;
 }
 
-TEST_P(PreRender, WidensTheAnswerByTheInput) {
-    const EffectHarness harness;
-    HostCall call;
-    PF_PreRenderInput input{{{1, 2, 30, 40}, 1, 15, 1}};
-    PF_PreRenderOutput output{GetParam().before, GetParam().before, 5, &call};
-    const PF_PreRenderCallbacks callbacks{answerLayer};
-    PF_PreRenderExtra extra{&input, &output, &callbacks};
-    layerRect = GetParam().layer;
-    ASSERT_EQ(call.send(harness.bundle.entryPoint(), PF_Cmd_SMART_PRE_RENDER, &extra).error, 0);
-    EXPECT_EQ(std::memcmp(&output.result_rect, &GetParam().after, sizeof(PF_LRect)), 0);
-    EXPECT_EQ(std::memcmp(&output.max_result_rect, &GetParam().after, sizeof(PF_LRect)), 0);
-    EXPECT_EQ(std::memcmp(&seenRequest.rect, &input.output_request.rect, sizeof(PF_LRect)), 0);
-    EXPECT_EQ(seenRequest.preserve_rgb_of_zero_alpha, 1);
-    EXPECT_EQ(output.flags, 5);
-    EXPECT_EQ(output.pre_render_data, &call);
+TEST_F(Commands, PreRenderAsksForTheInputAndWidensTheAnswerByIt) {
+    const struct {
+        const char* name;
+        PF_LRect layer;
+        PF_LRect before;
+        PF_LRect after;
+    } rows[] = {{"both empty", {3, 3, 3, 9}, {5, 5, 5, 5}, {3, 3, 3, 9}},
+                {"empty answer", {1, 2, 3, 4}, {7, 1, 7, 9}, {1, 2, 3, 4}},
+                {"empty input", {9, 9, 8, 12}, {1, 2, 3, 4}, {1, 2, 3, 4}},
+                {"apart", {-5, -6, -1, -2}, {10, 20, 30, 40}, {-5, -6, 30, 40}},
+                {"inside", {2, 2, 3, 3}, {0, 1, 9, 8}, {0, 1, 9, 8}}};
+    const auto equal = [](const auto& a, const auto& b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto& row = rows[i];
+        const auto& other = rows[(i + 1) % std::size(rows)]; // for the greatest rectangle
+        SCOPED_TRACE(row.name);
+        HostCall call({.time = {7, 2, 25}});
+        PF_PreRenderInput input{{{1, 2, 30, 40}, 1, 15, 1}};
+        PF_PreRenderOutput output{row.before, other.before, 5, &call};
+        const PF_PreRenderCallbacks callbacks{answerLayer};
+        PF_PreRenderExtra extra{&input, &output, &callbacks};
+        layer = {.result = {row.layer, other.layer}, .error = 0, .asked = {}, .request = {}};
+        ASSERT_EQ(call.send(bundle.entryPoint(), PF_Cmd_SMART_PRE_RENDER, &extra).error, 0);
+        EXPECT_TRUE(equal(output.result_rect, row.after));
+        EXPECT_TRUE(equal(output.max_result_rect, other.after));
+        EXPECT_TRUE(equal(layer.request, input.output_request));
+        EXPECT_EQ(layer.asked, (decltype(layer.asked){0, 0, 7, 2, 25}));
+        EXPECT_EQ(output.flags, 5);
+        EXPECT_EQ(output.pre_render_data, &call);
+
+        for (const auto& [error, due] : {std::pair{91, 91}, {-1, 512}}) { // an error, and an exception of the host's
+            layer.error = error;
+            output.result_rect = row.before;
+            EXPECT_EQ(call.send(bundle.entryPoint(), PF_Cmd_SMART_PRE_RENDER, &extra).error, due);
+            EXPECT_TRUE(equal(output.result_rect, row.before));
+        }
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rectangles, PreRender,
-                         testing::Values(PreRenderCase{"both empty", {3, 3, 3, 9}, {5, 5, 5, 5}, {3, 3, 3, 9}},
-                                         PreRenderCase{"empty answer", {1, 2, 3, 4}, {7, 1, 7, 9}, {1, 2, 3, 4}},
-                                         PreRenderCase{"empty input", {9, 9, 8, 12}, {1, 2, 3, 4}, {1, 2, 3, 4}},
-                                         PreRenderCase{"apart", {-5, -6, -1, -2}, {10, 20, 30, 40}, {-5, -6, 30, 40}},
-                                         PreRenderCase{"inside", {2, 2, 3, 3}, {0, 1, 9, 8}, {0, 1, 9, 8}}));
+/// The host's desk of suites with an ear to it: each call, and whether the host's context was current.
+struct Desk {
+    SPBasicSuite* suites;
+    const HostContext* host;
+    std::vector<std::string> calls;
+} desk;
 
-TEST(Commands, AFailingLayerCheckoutIsTheResult) {
-    const EffectHarness harness;
-    World world = makePicture(3, 2, 1);
-    FaultPlan plan{{.call = "checkout_layer", .error = 91}};
-    EXPECT_EQ(harness.effect.render({.input = &world, .output = &world, .faults = &plan}).error, 91);
+void hear(const char* call, const char* name) {
+    desk.calls.push_back(std::string(call) + name + (desk.host->isUntouched() ? ", host" : ", effect"));
+}
+
+SPErr acquire(const char* name, std::int32_t version, const void** suite) {
+    hear("+ ", name);
+    return desk.suites->AcquireSuite(name, version, suite);
+}
+
+SPErr release(const char* name, std::int32_t version) {
+    hear("- ", name);
+    return desk.suites->ReleaseSuite(name, version);
+}
+
+TEST_F(Commands, AFrameHoldsItsSuitesUntilTheHostsContextIsBack) {
+    World world = makePicture(7, 5, 1);
+    HostCall call({.input = &world, .output = &world}, effect.environment());
+    PF_PreRenderInput input{{{0, 0, 7, 5}, 0, 0, 0}};
+    PF_PreRenderOutput output{};
+    PF_PreRenderExtra preRender{&input, &output, HostCall::preRenderCallbacks()};
+    host.makeCurrent();
+    ASSERT_EQ(call.send(bundle.entryPoint(), PF_Cmd_SMART_PRE_RENDER, &preRender).error, 0);
+    SPBasicSuite suites{acquire, release};
+    desk = {call.inData()->pica_basicP, &host, {}};
+    call.inData()->pica_basicP = &suites;
+    PF_SmartRenderExtra extra{HostCall::smartRenderCallbacks()};
+    EXPECT_EQ(bundle.entryPoint()(PF_Cmd_SMART_RENDER, call.inData(), call.outData(), nullptr, nullptr, &extra), 0);
+    EXPECT_EQ(desk.calls, (std::vector<std::string>{"+ AEGP PF Interface Suite, effect", "+ AEGP Layer Suite, effect",
+                                                    "+ AEGP Item Suite, effect", "+ PF Handle Suite, effect",
+                                                    "- PF Handle Suite, effect", "- AEGP Item Suite, host",
+                                                    "- AEGP Layer Suite, host", "- AEGP PF Interface Suite, host"}));
+}
+
+TEST_F(Commands, OutOfOrder) {
+    testing::internal::CaptureStdout(); // where each context that is made writes its identity
+    check([&] { EXPECT_EQ(send(PF_Cmd_GLOBAL_SETUP), 0) << "a second one"; });
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    for (int round = 0; round < 3; ++round) {
+        check([&] {
+            EXPECT_TRUE(effect.setDown().clean());
+            EXPECT_EQ(send(PF_Cmd_GLOBAL_SETDOWN), 0);
+            EXPECT_EQ(send(PF_Cmd_PARAMS_SETUP), 0);
+            FaultPlan log;
+            World input = makePicture(5, 3, 1);
+            World output(5, 3);
+            EXPECT_EQ(send(PF_Cmd_SMART_RENDER, {.input = &input, .output = &output, .faults = &log}), 516);
+            EXPECT_TRUE(log.calls().empty());
+            EXPECT_EQ(comparePixels(World(5, 3), output), "");
+        });
+    }
+}
+
+/// With every size of the frame before at nothing, also across a set-down.
+TEST_F(Commands, FramesOfNothingAroundASetdown) {
+    World nothing(0, 0);
+    check([&] {
+        EXPECT_TRUE(effect.render({.input = &nothing, .output = &nothing}).clean());
+        EXPECT_TRUE(effect.setDown().clean());
+        EXPECT_TRUE(effect.setUp().clean());
+        EXPECT_TRUE(effect.render({.input = &nothing, .output = &nothing}).clean());
+    });
+}
+
+TEST_F(Commands, FromWithinAFrameAreRefused) {
+    World input = makePicture(9, 7, 4);
+    World output(9, 7);
+    World inner = makePicture(4, 3, 2);
+    int refused = 0;
+    const auto contrast = [&](const FrameTime&) {
+        refused += effect.render({.input = &inner, .output = &inner}).error == PF_Err_BAD_CALLBACK_PARAM ? 1 : 0;
+        for (const PF_Cmd command : {PF_Cmd_GLOBAL_SETUP, PF_Cmd_GLOBAL_SETDOWN})
+            refused += send(command) == PF_Err_BAD_CALLBACK_PARAM ? 1 : 0;
+        return 1.6;
+    };
+    check([&] { EXPECT_TRUE(effect.render({.input = &input, .output = &output, .values = {{1, contrast}}}).clean()); });
+    EXPECT_EQ(compareWithOracle(input, output, {.contrast = 1.6}), "");
+    EXPECT_EQ(refused, 3);
+}
+
+/// Two copies of one bundle share nothing but the driver: neither's set-down, nor its end, reaches the other.
+TEST_F(Commands, ASecondCopyOfTheBundle) {
+    std::string folder = testing::TempDir() + "ombrique-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    const std::filesystem::path copy = folder + "/Copy.plugin";
+    std::filesystem::copy(OMBRIQUE_TEST_BUNDLE, copy, std::filesystem::copy_options::recursive);
+    for (int round = 0; round < 3; ++round) {
+        const PluginBundle second(copy);
+        ASSERT_NE(second.entryPoint(), bundle.entryPoint());
+        Effect other(second);
+        ASSERT_TRUE(other.setUp().clean());
+        for (int frame = 0; frame < 3; ++frame) {
+            check([&] {
+                World input = makePicture(23, 18, 9);
+                World output(23, 18);
+                const Correction correction{0.7, static_cast<double>(frame)};
+                EXPECT_TRUE(other.render({.input = &input, .output = &output, .values = correction.sliders()}).clean());
+                EXPECT_EQ(compareWithOracle(input, output, correction), "");
+            });
+            letGoOfContext();
+        }
+        if (round == 1)
+            check([&] { EXPECT_TRUE(other.setDown().clean()); });
+    }
+    std::filesystem::remove_all(folder);
+}
+
+/// Where the driver gives no context, set-up is refused, and so is each frame that is sent all the same.
+TEST(CommandsDeathTest, WithoutADriver) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process of its own, which hasn't loaded a driver yet
+    const auto refuses = [](const char* variable, const char* value) {
+        unsetenv("MESA_GL_VERSION_OVERRIDE");
+        setenv(variable, value, 1);
+        const PluginBundle bundle(OMBRIQUE_TEST_BUNDLE);
+        Effect effect(bundle);
+        World input = makePicture(5, 3, 2);
+        World output(5, 3);
+        const CommandResult setUp = effect.setUp();
+        const FrameResult frame = effect.render({.input = &input, .output = &output});
+        return setUp.error == 516 && frame.error == 516 && setUp.findings.empty() && frame.findings.empty() &&
+               comparePixels(World(5, 3), output).empty();
+    };
+    for (const auto& [variable, value] : {std::pair{"__EGL_VENDOR_LIBRARY_FILENAMES", "/nowhere.json"},
+                                          {"MESA_GL_VERSION_OVERRIDE", "3.1"},
+                                          {"MESA_GLSL_VERSION_OVERRIDE", "150"}})
+        EXPECT_EXIT(std::exit(refuses(variable, value) ? 0 : 1), testing::ExitedWithCode(0), "") << variable;
 }
 
 } // namespace

@@ -1,7 +1,9 @@
-#include "Tests/Support/EffectHarness.h"
+#include "Tests/Support/EffectTest.h"
 
 #include <barrier>
+#include <chrono>
 #include <random>
+#include <semaphore>
 #include <thread>
 #include <vector>
 
@@ -11,83 +13,95 @@ namespace {
 
 using namespace Hosts;
 
-constexpr int kThreads = 8;
-constexpr int kFrames = 200;
-constexpr int kSizes[][2] = {{7, 5}, {64, 33}, {129, 70}};
+class Threads : public EffectTest {
+protected:
+    static constexpr int kThreads = 8;
+    static constexpr int kFrames = 200;
 
-/// One frame of a random size, picture and setting; the text says what is wrong with it.
-std::string renderOne(const Effect& effect, unsigned seed) {
-    std::mt19937 random(seed);
-    const auto& size = kSizes[random() % std::size(kSizes)];
-    const double contrast = 0.01 * static_cast<double>(random() % 300);
-    const double brightness = static_cast<double>(random() % 100) - 50.0;
-    World input = makePicture(size[0], size[1], seed);
-    World output(size[0], size[1]);
-    const FrameResult result =
-        effect.render({.input = &input, .output = &output, .values = EffectHarness::sliders(contrast, brightness)});
-    return result.clean() ? compareWithOracle(input, output, contrast, brightness) : result.describe();
-}
+    /// A frame of a size, a picture and a setting of its own.
+    void renderOne(int frame) const {
+        std::mt19937 random(static_cast<unsigned>(frame));
+        const Size sizes[] = {{7, 5}, {64, 33}, {129, 70}};
+        const Size size = sizes[random() % std::size(sizes)];
+        const double contrast = 0.01 * static_cast<double>(random() % 300);
+        const double brightness = static_cast<double>(random() % 100) - 50.0;
+        EXPECT_EQ(plainFrame({contrast, brightness}, static_cast<unsigned>(frame), size), "") << "frame " << frame;
+    }
 
-TEST(Threads, FramesThatMoveBetweenThreads) {
-    const EffectHarness harness;
-    std::mt19937 random(2024);
-    std::vector<int> turns;
-    for (int frame = 0; frame < kFrames; ++frame)
-        turns.push_back(static_cast<int>(random() % kThreads));
+    /// Runs `body(thread)` on `count` threads at the same time.
+    template <typename Body> static void onThreads(int count, Body body) {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < count; ++thread)
+            threads.emplace_back(body, thread);
+    }
+};
+
+TEST_F(Threads, FramesThatMoveBetweenThreads) {
     std::barrier nextFrame(kThreads);
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < kThreads; ++thread) {
-        threads.emplace_back([&, thread] {
-            for (int frame = 0; frame < kFrames; ++frame) {
-                const bool own = turns[static_cast<std::size_t>(frame)] == thread;
-                EXPECT_EQ(own ? renderOne(harness.effect, static_cast<unsigned>(frame)) : "", "") << "frame " << frame;
-                nextFrame.arrive_and_wait();
-            }
-        });
-    }
+    onThreads(kThreads, [&](int thread) {
+        std::mt19937 random(2024);
+        for (int frame = 0; frame < kFrames; ++frame) {
+            if (static_cast<int>(random() % kThreads) == thread)
+                renderOne(frame);
+            nextFrame.arrive_and_wait();
+        }
+    });
 }
 
-TEST(Threads, FramesThatOverlap) {
-    const EffectHarness harness;
-    std::vector<std::jthread> threads;
-    for (int thread = 0; thread < kThreads; ++thread) {
-        threads.emplace_back([&, thread] {
-            for (int frame = thread; frame < kFrames; frame += kThreads)
-                EXPECT_EQ(renderOne(harness.effect, static_cast<unsigned>(frame)), "") << "frame " << frame;
-        });
-    }
+TEST_F(Threads, FramesThatOverlap) {
+    onThreads(kThreads, [&](int thread) {
+        for (int frame = thread; frame < kFrames; frame += kThreads)
+            renderOne(frame);
+    });
 }
 
 /// Threads end, and new ones take over, while another stays: contexts of ended threads stay behind, and disturb nobody.
-TEST(Threads, ThatEndAndTakeOver) {
-    const EffectHarness harness;
-    for (unsigned thread = 0; thread < 24; ++thread) {
-        std::jthread([&] { EXPECT_EQ(renderOne(harness.effect, thread), ""); }).join();
-        EXPECT_EQ(renderOne(harness.effect, 100 + thread), "");
+TEST_F(Threads, ThatEndAndTakeOver) {
+    for (int thread = 0; thread < 24; ++thread) {
+        std::jthread([&] { renderOne(thread); }).join();
+        renderOne(100 + thread);
     }
 }
 
 /// Threads that rendered before a setdown render again after the next setup, and so do threads that come and go.
-TEST(Threads, OutliveASetdown) {
-    EffectHarness harness;
+TEST_F(Threads, OutliveASetdown) {
     std::barrier step(3);
-    std::vector<std::jthread> threads;
-    for (unsigned thread = 0; thread < 2; ++thread) {
-        threads.emplace_back([&, thread] {
-            for (unsigned round = 0; round < 3; ++round) {
-                EXPECT_EQ(renderOne(harness.effect, 10 * round + thread), "");
-                step.arrive_and_wait();
-                step.arrive_and_wait();
+    onThreads(3, [&](int thread) {
+        for (int round = 0; round < 3; ++round) {
+            renderOne(10 * round + thread);
+            step.arrive_and_wait();
+            if (thread == 0) {
+                std::jthread([&] { renderOne(round); }).join();
+                EXPECT_TRUE(effect.setDown().clean());
+                EXPECT_TRUE(effect.setUp().clean());
             }
+            step.arrive_and_wait();
+        }
+    });
+}
+
+std::binary_semaphore checkedOut{0};
+
+PF_Err noPixels(PF_ProgPtr, std::int32_t, PF_LayerDef**) {
+    checkedOut.release();
+    return 83;
+}
+
+TEST_F(Threads, AFrameChecksOutItsInputWhileAnotherIsUnderWay) {
+    World input = makePicture(6, 4, 9);
+    World output(6, 4);
+    std::jthread other;
+    const auto contrast = [&](const FrameTime&) {
+        other = std::jthread([&] {
+            const PF_SmartRenderCallbacks callbacks{noPixels, nullptr};
+            PF_SmartRenderExtra extra{&callbacks};
+            HostCall call;
+            EXPECT_EQ(call.send(bundle.entryPoint(), PF_Cmd_SMART_RENDER, &extra).error, 83);
         });
-    }
-    for (unsigned round = 0; round < 3; ++round) {
-        step.arrive_and_wait();
-        std::jthread([&] { EXPECT_EQ(renderOne(harness.effect, round), ""); }).join();
-        EXPECT_TRUE(harness.effect.setDown().clean());
-        EXPECT_TRUE(harness.effect.setUp().clean());
-        step.arrive_and_wait();
-    }
+        EXPECT_TRUE(checkedOut.try_acquire_for(std::chrono::seconds(5)));
+        return 1.0;
+    };
+    EXPECT_TRUE(effect.render({.input = &input, .output = &output, .values = {{1, contrast}}}).clean());
 }
 
 } // namespace

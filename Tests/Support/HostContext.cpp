@@ -1,8 +1,11 @@
 #include "Tests/Support/HostContext.h"
 
+#include "Tests/Support/OpenGLObjects.h"
 #include "Tests/Support/SoftwareDevice.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <vector>
 
 namespace Ombrique::Tests {
 
@@ -31,6 +34,11 @@ HostContext::HostContext(EGLenum api) : mAPI(api), mDisplay(deviceDisplay()) {
     mDraw = eglCreatePbufferSurface(mDisplay, config, size);
     mRead = eglCreatePbufferSurface(mDisplay, config, size);
     makeCurrent();
+    const State fresh = state();
+    changeState();
+    mState = state();
+    if (!std::ranges::all_of(fresh, [this](const auto& item) { return item.second != mState.at(item.first); }))
+        throw std::runtime_error("the host's context keeps a default");
 }
 
 HostContext::~HostContext() {
@@ -48,7 +56,42 @@ void HostContext::makeCurrent() const {
 
 bool HostContext::isUntouched() const {
     return eglGetCurrentContext() == mContext && eglGetCurrentDisplay() == mDisplay &&
-           eglGetCurrentSurface(EGL_DRAW) == mDraw && eglGetCurrentSurface(EGL_READ) == mRead && eglQueryAPI() == mAPI;
+           eglGetCurrentSurface(EGL_DRAW) == mDraw && eglGetCurrentSurface(EGL_READ) == mRead &&
+           eglQueryAPI() == mAPI && state() == mState && openGLFunction<unsigned()>("glGetError")() == 0;
+}
+
+HostContext::State HostContext::state() const {
+    std::vector<unsigned> names = {0x0BA2, 0x0C11, 0x8CA6, 0x8894, 0x8069, 0x0CF5, 0x0D05};
+    if (mAPI == EGL_OPENGL_API)
+        names.insert(names.end(), {0x85B5, 0x8B8D, 0x0CF2, 0x0D02});
+    State state;
+    for (const unsigned name : names)
+        openGLFunction<void(unsigned, int*)>("glGetIntegerv")(name, state[name].data());
+    return state;
+}
+
+void HostContext::changeState() const {
+    constexpr unsigned kScissorTest = 0x0C11;
+    const auto call = [](const char* name, unsigned target, unsigned value) {
+        openGLFunction<void(unsigned, unsigned)>(name)(target, value);
+    };
+    openGLFunction<void(int, int, int, int)>("glViewport")(1, 2, 3, 4);
+    openGLFunction<void(unsigned)>("glEnable")(kScissorTest);
+    call("glBindFramebuffer", 0x8D40, 3);
+    call("glBindBuffer", 0x8892, 5);
+    call("glBindTexture", 0x0DE1, 6);
+    call("glPixelStorei", 0x0CF5, 1);
+    call("glPixelStorei", 0x0D05, 8);
+    if (mAPI != EGL_OPENGL_API)
+        return;
+    call("glPixelStorei", 0x0CF2, 17);
+    call("glPixelStorei", 0x0D02, 19);
+    unsigned vertexArray = 0;
+    openGLFunction<void(int, unsigned*)>("glGenVertexArrays")(1, &vertexArray);
+    openGLFunction<void(unsigned)>("glBindVertexArray")(vertexArray);
+    const unsigned program = openGLFunction<unsigned()>("glCreateProgram")();
+    openGLFunction<void(unsigned)>("glLinkProgram")(program); // without shaders it is the fixed pipeline
+    openGLFunction<void(unsigned)>("glUseProgram")(program);
 }
 
 } // namespace Ombrique::Tests

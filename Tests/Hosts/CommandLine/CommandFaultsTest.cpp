@@ -1,6 +1,6 @@
+#include "Tests/Hosts/CommandLine/FailingNew.h"
 #include "Tests/Hosts/CommandLine/ProgramRun.h"
 #include "Tests/Hosts/CommandLine/TestPicture.h"
-#include "Tests/Support/FailingNew.h"
 #include "Tests/Support/PixelOracle.h"
 
 #include <gtest/gtest.h>
@@ -111,7 +111,7 @@ protected:
         if (!file || output == "sheet.png")
             return file != nullptr;
         file->close();
-        return compareWithOracle(picture, readTestPicture(folder / output, {}), 1.2, 0.0).empty();
+        return compareWithOracle(picture, readTestPicture(folder / output, {}), {1.2, 0.0}).empty();
     }
 
     /// What is wrong with the last run's end; nothing where it is sound.

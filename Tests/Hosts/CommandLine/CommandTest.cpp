@@ -131,7 +131,7 @@ TEST_F(Command, WritesThroughALinkOverItsOwnInputAndAfterAKilledRun) {
     names.erase(".good.png.partial.png");
     EXPECT_EQ(run({"/good.png", "/link.png", "--contrast", "0"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.png"));
-    EXPECT_EQ(compareWithOracle(makePicture(31, 17, 5), readTestPicture(folder / "good.png", {}), 0.0, 0.0), "");
+    EXPECT_EQ(compareWithOracle(makePicture(31, 17, 5), readTestPicture(folder / "good.png", {}), {0.0, 0.0}), "");
     EXPECT_EQ(folder.names(), names);
 }
 

@@ -52,7 +52,7 @@ TEST_P(Formats, ComeThroughTheEffect) {
     ASSERT_EQ(run.status, 0) << run.messages;
     EXPECT_NE(run.messages.find(row.note), std::string::npos) << run.messages;
     EXPECT_EQ(run.messages.find("note:") == std::string::npos, *row.note == '\0') << run.messages;
-    EXPECT_EQ(compareWithOracle(picture, readTestPicture(folder / row.output, row.outputForm), 1.3, -8.0), "");
+    EXPECT_EQ(compareWithOracle(picture, readTestPicture(folder / row.output, row.outputForm), {1.3, -8.0}), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -38,7 +38,7 @@ protected:
         return runProgram(arguments);
     }
     void expectFrame(int frame, double contrast, double brightness) const {
-        EXPECT_EQ(compareWithOracle(pictureOf(frame), readTestPicture(output(frame), {}), contrast, brightness), "")
+        EXPECT_EQ(compareWithOracle(pictureOf(frame), readTestPicture(output(frame), {}), {contrast, brightness}), "")
             << "frame " << frame;
     }
 
@@ -82,7 +82,7 @@ TEST_F(Shot, SkipsWhatIsThereAndTakesOnePictureForAll) {
 
     const ProgramRun held = runProgram({input(8), folder / "held.@@.png", "--frames", "1-3", "--contrast", "1:1,3:3"});
     EXPECT_EQ(held.status, 0) << held.messages;
-    EXPECT_EQ(compareWithOracle(pictureOf(8), readTestPicture(folder / "held.02.png", {}), 2.0, 0.0), "");
+    EXPECT_EQ(compareWithOracle(pictureOf(8), readTestPicture(folder / "held.02.png", {}), {2.0, 0.0}), "");
 }
 
 TEST_F(Shot, SaysOnceWhatIsLost) {
@@ -208,7 +208,7 @@ TEST_F(Shot, ComparesSideBySide) {
             after.setPixel(x, y, both.pixel<PF_Pixel8>(kWidth + 2 + x, y));
         }
     EXPECT_EQ(comparePixels(pictureOf(8), before), "");
-    EXPECT_EQ(compareWithOracle(before, after, 2.0, 0.0), "");
+    EXPECT_EQ(compareWithOracle(before, after, {2.0, 0.0}), "");
 }
 
 TEST_F(Shot, ContactSheetHasAPictureForEachPairOfValues) {

@@ -83,7 +83,7 @@ public:
         const std::string input = rawFrame(picture);
         std::string output(input.size(), 'x');
         update(pixels(input), pixels(output));
-        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, mWidth, mHeight), contrast, brightness), "")
+        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, mWidth, mHeight), {contrast, brightness}), "")
             << mWidth << " by " << mHeight << ", contrast " << contrast << ", brightness " << brightness;
     }
 
@@ -158,7 +158,7 @@ TEST(Frei0rModule, AnySizeAlsoInPlaceAndUnaligned) {
     both.insert(0, 4, 'x'); // tools hand out frames at any pixel
     const Instance instance(module, 7, 5, 0.6, 20.0);
     instance.update(pixels(both) + 1, pixels(both) + 1);
-    EXPECT_EQ(compareWithOracle(picture, pictureOf(both, 4, 7, 5), 0.6, 20.0), "");
+    EXPECT_EQ(compareWithOracle(picture, pictureOf(both, 4, 7, 5), {0.6, 20.0}), "");
 }
 
 TEST(Frei0rModule, RefusesFramesThatTheDriverCannotHold) {
@@ -183,7 +183,7 @@ TEST(Frei0rModule, SlicesOfAFrame) {
                 instance.update(pixels(input) + offset, pixels(output) + offset);
             });
         threads.clear();
-        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, kWidth, picture.height()), 1.3, 4.0), "");
+        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, kWidth, picture.height()), {1.3, 4.0}), "");
     }
 }
 

@@ -62,8 +62,8 @@ protected:
         for (std::size_t i = 0; i < clip.frames.size(); ++i) {
             const Setting at = setting(static_cast<int>(i));
             EXPECT_EQ(compareWithOracle(clip.frames[i],
-                                        pictureOf(output, i * clip.frameBytes(), clip.width, clip.height), at.contrast,
-                                        at.brightness),
+                                        pictureOf(output, i * clip.frameBytes(), clip.width, clip.height),
+                                        {at.contrast, at.brightness}),
                       "")
                 << "frame " << i << ", " << clip.width << " by " << clip.height;
         }

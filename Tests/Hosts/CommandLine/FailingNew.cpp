@@ -1,4 +1,4 @@
-#include "Tests/Support/FailingNew.h"
+#include "Tests/Hosts/CommandLine/FailingNew.h"
 
 #include <algorithm>
 #include <array>
