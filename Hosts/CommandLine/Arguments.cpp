@@ -85,7 +85,9 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
     app.add_flag("--skip-existing", arguments.shot.skipExisting, "Leave out frames whose output is there already");
     app.add_flag("--list-missing", arguments.listMissing,
                  "Print the frames whose output isn't there yet, as --frames takes them, and render nothing");
-    app.add_option("--jobs", arguments.jobs, "Frames under way at a time; one more than there are cores if not given")
+    app.add_option(
+           "--jobs", arguments.jobs,
+           "Frames under way at a time; if not given, one more than there are cores, within a quarter of the memory")
         ->type_name("N")
         ->check(CLI::Range(1, 256));
     app.add_flag("--compare", arguments.compare, "Write before and after side by side");

@@ -21,7 +21,7 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 40;
 struct HandleTable::Block {
     /// Leaves `memory` null where there isn't so much.
     explicit Block(std::size_t sizeOfBlock)
-        : memory(static_cast<char*>(std::malloc(sizeOfBlock + kTrap.size()))), size(sizeOfBlock) {
+        : memory(static_cast<char*>(std::calloc(1, sizeOfBlock + kTrap.size()))), size(sizeOfBlock) {
         if (memory)
             std::memcpy(memory + size, kTrap.data(), kTrap.size());
     }

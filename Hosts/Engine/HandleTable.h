@@ -21,7 +21,8 @@ public:
     HandleTable(const char* kind, bool disposedUnlocked);
     ~HandleTable();
 
-    /// A new handle of `size` bytes, unset and unlocked; null where there isn't so much memory.
+    /// A new handle of `size` bytes, unlocked. All are zero: a frame whose picture the plug-in failed to fill in shows
+    /// no memory of anything else. Null where there isn't so much memory.
     char** create(std::uint64_t size);
     /// Counts a lock, and returns the memory; null for a handle that isn't here.
     char* lock(const void* handle, Findings& findings);

@@ -3,7 +3,7 @@
 namespace Ombrique::Hosts {
 
 FrameResult RenderQueue::render(const FrameRequest& request) {
-    Job job([&request](const Effect& effect) { return effect.render(request); });
+    Job job([&request](CheckedRenderer& renderer) { return renderer.render(request); });
     std::future<FrameResult> result = job.get_future();
     {
         const std::lock_guard lock(mMutex);
@@ -13,13 +13,14 @@ FrameResult RenderQueue::render(const FrameRequest& request) {
     return result.get();
 }
 
-void RenderQueue::serve(const std::stop_token& stop, const Effect& effect) {
+void RenderQueue::serve(const std::stop_token& stop, Effect& effect) {
+    CheckedRenderer renderer(effect);
     std::unique_lock lock(mMutex);
     while (mArrived.wait(lock, stop, [this] { return !mJobs.empty(); })) {
         Job job = std::move(mJobs.front());
         mJobs.pop_front();
         lock.unlock();
-        job(effect);
+        job(renderer);
         lock.lock();
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Hosts/Engine/Effect.h"
+#include "Hosts/Engine/CheckedRenderer.h"
 
 #include <condition_variable>
 #include <deque>
@@ -15,14 +15,14 @@ namespace Ombrique::Hosts {
 class RenderQueue {
 public:
     /// Renders a frame on the serving thread, and waits for it. Any thread, several at once; somebody must serve.
-    /// @throw what Effect::render() throws.
+    /// @throw what CheckedRenderer::render() throws.
     FrameResult render(const FrameRequest& request);
 
     /// Renders what is asked for with `effect`, which is set up, on the calling thread, until a stop is requested.
-    void serve(const std::stop_token& stop, const Effect& effect);
+    void serve(const std::stop_token& stop, Effect& effect);
 
 private:
-    using Job = std::packaged_task<FrameResult(const Effect&)>;
+    using Job = std::packaged_task<FrameResult(CheckedRenderer&)>;
 
     std::mutex mMutex;
     std::condition_variable_any mArrived;

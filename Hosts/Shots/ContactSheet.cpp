@@ -1,8 +1,8 @@
 #include "Hosts/Shots/ContactSheet.h"
 
-#include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/PictureReader.h"
 #include "Hosts/Pictures/PictureWriter.h"
+#include "Hosts/Shots/RenderFrame.h"
 
 #include <OpenImageIO/imagebufalgo.h>
 
@@ -123,12 +123,9 @@ PictureOrigin originOfSheet(const World& sheet) {
 }
 
 /// The picture under one pair of values. `name` is the file that it came from.
-World corrected(const Effect& effect, World& picture, const std::string& name, const ParameterValues& values) {
+World corrected(CheckedRenderer& renderer, World& picture, const std::string& name, const ParameterValues& values) {
     World result(picture.width(), picture.height());
-    const FrameResult outcome =
-        effect.render({.input = &picture, .output = &result, .values = values, .verifyInput = false});
-    if (!outcome.clean())
-        throw PluginFailure(name + ": could not be rendered: " + outcome.describe());
+    requireRendered(renderer, {.input = &picture, .output = &result, .values = values, .verifyInput = false}, name);
     return result;
 }
 
@@ -148,8 +145,8 @@ ParameterValues fixedValues(const std::vector<Slider>& sliders, const ContactShe
 }
 
 /// The grid of all pairs of values, each picture above its label. `name` is the file that the picture came from.
-World grid(const Effect& effect, World& picture, const std::string& name, ParameterValues values, const Axis& across,
-           const Axis& down) {
+World grid(CheckedRenderer& renderer, World& picture, const std::string& name, ParameterValues values,
+           const Axis& across, const Axis& down) {
     const int labelWidth = std::max(picture.width(), 2 * kLongestSideOfCell / 3);
     const int columnWidth = labelWidth + kGap;
     const int rowHeight = picture.height() + kLabelHeight + kGap;
@@ -162,7 +159,7 @@ World grid(const Effect& effect, World& picture, const std::string& name, Parame
         for (const double acrossValue : across.values) {
             across.set(values, acrossValue);
             down.set(values, downValue);
-            layOver(whole, corrected(effect, picture, name, values), left + (labelWidth - picture.width()) / 2, top);
+            layOver(whole, corrected(renderer, picture, name, values), left + (labelWidth - picture.width()) / 2, top);
             putLabel(whole, across.label(acrossValue) + "   " + down.label(downValue), left, top + picture.height(),
                      labelWidth);
             left += columnWidth;
@@ -174,7 +171,7 @@ World grid(const Effect& effect, World& picture, const std::string& name, Parame
 
 } // namespace
 
-std::vector<std::string> writeContactSheet(const Effect& effect, const std::vector<Slider>& sliders,
+std::vector<std::string> writeContactSheet(Effect& effect, const std::vector<Slider>& sliders,
                                            const ContactSheet& sheet) {
     const Axis across(sliders, 0, sheet.lists);
     const Axis down(sliders, 1, sheet.lists);
@@ -186,7 +183,8 @@ std::vector<std::string> writeContactSheet(const Effect& effect, const std::vect
     World picture(reader.width(), reader.height());
     reader.read(picture);
     World small = reduced(picture);
-    const World whole = grid(effect, small, sheet.input.string(), std::move(values), across, down);
+    CheckedRenderer renderer(effect);
+    const World whole = grid(renderer, small, sheet.input.string(), std::move(values), across, down);
     std::vector<std::string> losses = reader.origin().losses;
     std::ranges::move(writer.write(whole, originOfSheet(whole)), std::back_inserter(losses));
     return losses;

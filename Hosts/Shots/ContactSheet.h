@@ -27,7 +27,7 @@ struct ContactSheet {
 /// values below it, the first slider's from left to right and the second's from top to bottom. Transparent pictures lie
 /// on grey. `effect` is set up. Returns what of the picture couldn't be kept, without the file's name.
 /// @throw UsageError where a third slider has several values, Failure which names the file, with no sheet left behind.
-std::vector<std::string> writeContactSheet(const Effect& effect, const std::vector<Slider>& sliders,
+std::vector<std::string> writeContactSheet(Effect& effect, const std::vector<Slider>& sliders,
                                            const ContactSheet& sheet);
 
 } // namespace Ombrique::Hosts

@@ -1,6 +1,5 @@
 #include "Hosts/Shots/RenderFrame.h"
 
-#include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/PictureReader.h"
 #include "Hosts/Pictures/PictureWriter.h"
 #include "Hosts/Shots/Keyframes.h"
@@ -10,28 +9,19 @@
 
 namespace Ombrique::Hosts {
 
-void FrameWorlds::fit(int width, int height) {
-    if (input && input->width() == width && input->height() == height)
-        return;
-    input.reset();
-    output.reset();
-    input.emplace(width, height);
-    output.emplace(width, height);
-}
-
 std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame, const FrameSettings& settings,
                                      FrameWorlds& worlds) {
     PictureReader reader(frame.input, settings.longestSide);
     PictureWriter writer(frame.output, settings.compression);
     worlds.fit(reader.width(), reader.height());
     reader.read(*worlds.input);
-    const FrameResult result = queue.render({.input = &*worlds.input,
-                                             .output = &*worlds.output,
-                                             .values = settings.values,
-                                             .time = timeOfFrame(frame.number),
-                                             .verifyInput = false});
-    if (!result.clean())
-        throw PluginFailure(frame.input.string() + ": could not be rendered: " + result.describe());
+    requireRendered(queue,
+                    {.input = &*worlds.input,
+                     .output = &*worlds.output,
+                     .values = settings.values,
+                     .time = timeOfFrame(frame.number),
+                     .verifyInput = false},
+                    frame.input.string());
 
     PictureOrigin origin = reader.origin();
     std::vector<std::string> losses = origin.losses;

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "Hosts/Engine/RenderQueue.h"
+#include "Hosts/Pictures/Failure.h"
+#include "Hosts/Shots/FrameMemory.h"
 #include "Hosts/Shots/Shot.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,15 +20,17 @@ struct FrameSettings {
     std::string compression;
 };
 
-/// The two worlds of a frame, kept from one frame to the next: pages that are new to the process cost more than what is
-/// done with them.
-struct FrameWorlds {
-    std::optional<World> input;
-    std::optional<World> output;
-
-    /// Makes both anew where they have another size.
-    void fit(int width, int height);
-};
+/// Renders through `renderer`, a CheckedRenderer or a RenderQueue. `name` is the picture's file.
+/// @throw Failure which names the file, where that gives no picture.
+template <typename Renderer>
+void requireRendered(Renderer& renderer, const FrameRequest& request, const std::string& name) {
+    try {
+        if (const FrameResult result = renderer.render(request); !result.clean())
+            throw PluginFailure(name + ": could not be rendered: " + result.describe());
+    } catch (const NoPicture& error) {
+        throw Failure(name + ": " + error.what());
+    }
+}
 
 /// Reads a picture, sends it through the effect, and writes the result. Any thread; somebody serves `queue`. Returns
 /// what of the picture couldn't be kept, one line each, without the file's name.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <new>
 #include <thread>
 
@@ -14,11 +15,11 @@ namespace {
 
 class ShotRun {
 public:
-    ShotRun(const Shot& shot, const FrameSettings& settings, ShotObserver& observer)
-        : mShot(shot), mSettings(settings), mObserver(observer) {}
+    ShotRun(const Shot& shot, const FrameSettings& settings, std::uint64_t memory, ShotObserver& observer)
+        : mShot(shot), mSettings(settings), mObserver(observer), mMemory(memory) {}
 
     /// Returns when all frames are over.
-    void run(const Effect& effect, int jobs) {
+    void run(Effect& effect, int jobs) {
         mRunning = jobs;
         std::vector<std::jthread> workers;
         workers.reserve(static_cast<std::size_t>(jobs));
@@ -37,7 +38,7 @@ public:
 
 private:
     void work() {
-        FrameWorlds worlds;
+        FrameWorlds worlds(mMemory);
         for (std::size_t i; !mObserver.stopRequested() && (i = mNext++) < mShot.frames.size();)
             render(mShot.frames[i], worlds);
         leave(1);
@@ -67,6 +68,7 @@ private:
     const Shot& mShot;
     const FrameSettings& mSettings;
     ShotObserver& mObserver;
+    FrameMemory mMemory;
     RenderQueue mQueue;
     std::atomic<std::size_t> mNext = 0;
     std::atomic<int> mRunning = 0;
@@ -81,11 +83,10 @@ int workersFor(const Shot& shot, int jobs) {
 
 } // namespace
 
-bool renderShot(const Effect& effect, const Shot& shot, const FrameSettings& settings, int jobs,
-                ShotObserver& observer) {
+bool renderShot(Effect& effect, const Shot& shot, const FrameSettings& settings, int jobs, ShotObserver& observer) {
     if (shot.frames.empty())
         return false;
-    ShotRun run(shot, settings, observer);
+    ShotRun run(shot, settings, jobs > 0 ? UINT64_MAX : memoryOfMachine() / 4, observer);
     run.run(effect, workersFor(shot, jobs));
     return run.pluginRefused();
 }

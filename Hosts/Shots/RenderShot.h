@@ -22,12 +22,13 @@ protected:
 };
 
 /// Renders the frames of a shot with `effect`, which is set up, and tells `observer` of each. Reading and writing run
-/// on `jobs` threads (0: one more than there are cores), each with one frame at a time, and overlap with the rendering,
-/// which takes place on the calling thread. So as many frames as jobs are in memory, however long the shot is. A frame
-/// that fails doesn't keep the others. A stop ends the run after the frames that are under way.
+/// on `jobs` threads, each with one frame at a time, and overlap with the rendering,
+/// which takes place on the calling thread. So as many frames as jobs are in memory, however long the shot is. With 0
+/// for `jobs`, these are one more than there are cores, but no more than fit into a quarter of the machine's memory, or
+/// of what the process's control group may take. A frame that fails doesn't keep the others. A stop ends the run after
+/// the frames that are under way.
 ///
 /// Returns whether the plug-in refused a frame, so that what it printed is of interest.
-bool renderShot(const Effect& effect, const Shot& shot, const FrameSettings& settings, int jobs,
-                ShotObserver& observer);
+bool renderShot(Effect& effect, const Shot& shot, const FrameSettings& settings, int jobs, ShotObserver& observer);
 
 } // namespace Ombrique::Hosts
