@@ -1,7 +1,7 @@
 #include "Hosts/Pictures/PictureReader.h"
 
-#include "Hosts/Pictures/AlphaConvention.h"
 #include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/FormatRules.h"
 #include "Hosts/Pictures/QuietStandardError.h"
 
 #include <algorithm>

@@ -1,8 +1,7 @@
 #include "Hosts/Pictures/PictureWriter.h"
 
-#include "Hosts/Pictures/AlphaConvention.h"
-#include "Hosts/Pictures/Compression.h"
 #include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/FormatRules.h"
 #include "Hosts/Pictures/QuietStandardError.h"
 
 #include <algorithm>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Hosts/Pictures/DescriptorProxy.h"
 #include "Hosts/Pictures/OutputFile.h"
 #include "Hosts/Pictures/Picture.h"
 

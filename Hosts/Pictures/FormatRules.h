@@ -1,7 +1,13 @@
 #pragma once
 
+#include "Hosts/Engine/World.h"
+
+#include <OpenImageIO/imageio.h>
+
 #include <string>
 
+// What OpenImageIO's formats can hold, and the habits of its readers and writers. Formats go by OpenImageIO's own
+// names.
 namespace Ombrique::Hosts {
 
 /// How the colours of a picture file relate to its alpha, as its pixels pass through OpenImageIO.
@@ -24,5 +30,13 @@ float colourWeight(AlphaConvention convention, float alpha);
 
 /// Whether a file in this format can say by itself which of the first two conventions it follows.
 bool declaresAlphaConvention(const std::string& format);
+
+/// Throws where `wanted`, "METHOD" or "METHOD:LEVEL", is none of the compression methods of OpenImageIO's format
+/// `format`. Empty is always fine.
+void requireCompression(const std::string& wanted, const std::string& format);
+
+/// Describes to the encoder of `format` how to compress: as `wanted`, or where that is empty, as `spec` has it already;
+/// PNG, whose files don't tell how they were compressed, then gets what is quickest for `pixels`.
+void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format, const World& pixels);
 
 } // namespace Ombrique::Hosts
