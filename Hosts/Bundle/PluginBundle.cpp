@@ -12,7 +12,7 @@ namespace Ombrique::Hosts {
 namespace {
 
 #ifdef __SANITIZE_ADDRESS__
-// An image that is gone hides what its statics, and the driver's, hold: that would count as leaked, in nameless stacks.
+// Memory that only the statics of an unloaded image point to would be reported as leaked, with stacks without names.
 constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE;
 #else
 constexpr int kOpenMode = RTLD_NOW | RTLD_LOCAL;

@@ -7,8 +7,8 @@
 
 namespace Ombrique::Hosts {
 
-/// A property list file (XML or binary) whose root is a dictionary. All errors are BundleErrors
-/// that begin with the file.
+/// A property list file (XML or binary) whose root is a dictionary. All errors are BundleErrors that begin with the
+/// file.
 class PropertyList {
 public:
     explicit PropertyList(std::filesystem::path file);

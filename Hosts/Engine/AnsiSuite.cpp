@@ -12,7 +12,7 @@ namespace Ombrique::Hosts {
 
 namespace {
 
-/// What fits into `buffer`, in bytes: known of return_msg, and of nothing else.
+/// The capacity of `buffer` in bytes. It is known for return_msg alone.
 std::size_t roomOf(HostCall& call, const char* buffer) {
     return buffer == call.outData()->return_msg ? sizeof call.outData()->return_msg : INT_MAX;
 }

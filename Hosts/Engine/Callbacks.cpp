@@ -59,7 +59,7 @@ PF_LRect layerRectOf(const FrameRequest& request) {
     return request.input ? PF_LRect{0, 0, request.input->width(), request.input->height()} : PF_LRect{};
 }
 
-/// What both have in common; all zero where that is nothing.
+/// The intersection of both; all zero where it is empty.
 PF_LRect intersection(const PF_LRect& a, const PF_LRect& b) {
     const PF_LRect common{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
                           std::min(a.bottom, b.bottom)};

@@ -7,7 +7,7 @@
 
 namespace Ombrique::Hosts {
 
-/// A frame came to nothing, though the plug-in reported success.
+/// The plug-in reported success, but the driver produced no picture.
 class NoPicture : public std::runtime_error {
 public:
     NoPicture() : std::runtime_error("OpenGL gave no picture; the driver may be out of memory") {}

@@ -7,7 +7,7 @@
 
 namespace Ombrique::Hosts {
 
-/// What a frame came to: the result of its last command, with the findings of both.
+/// The outcome of a frame: the result of its last command, with the findings of both.
 struct FrameResult : CommandResult {
     /// The plug-in's answer to the pre-render.
     PF_LRect resultRect{};

@@ -26,7 +26,7 @@ enum class FaultKind {
 /// The error that a fault reports where its plan names no other; the engine itself never uses it.
 constexpr PF_Err kInjectedError = 599;
 
-/// One call that shall fail.
+/// One call that is made to fail.
 struct Fault {
     /// Which: a function's name ("checkout_param"), or that with its detail ("checkout_param 2"); empty means any.
     std::string call{};
@@ -44,8 +44,8 @@ struct Fault {
 /// AEGP_UnlockMemHandle, AEGP_FreeMemHandle) always do so: a fault changes their result only, and can't touch those
 /// without one.
 ///
-/// A plan counts on over all commands that it is given to, so that one plan covers a whole frame. One thread at a time.
-/// To try each fault of a frame: render once with an empty plan, then once for each n of calls().size() with
+/// A plan keeps counting over all commands that it is given to, so that one plan covers a whole frame. One thread at a
+/// time. To try each fault of a frame: render once with an empty plan, then once for each n of calls().size() with
 /// `FaultPlan plan{{.nth = n}}`.
 class FaultPlan {
 public:
@@ -60,7 +60,7 @@ public:
     /// How many calls failed by this plan.
     int fired() const { return mFired; }
 
-    /// Logs a call and tells the fault that strikes it, or null. For the engine's own use. Where `canFail` is false,
+    /// Logs a call, and returns the fault that strikes it, or null. For the engine's own use. Where `canFail` is false,
     /// the call is logged and counted, and no fault strikes.
     const Fault* arrive(std::string_view name, std::string_view detail, bool canFail);
 

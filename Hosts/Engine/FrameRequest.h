@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-/// What a host brings along when it calls a plug-in: the frame that it wants, and what it keeps for the effect between
+/// What a host passes to a plug-in's commands: the frame that it wants, and what it keeps for the effect between
 /// commands. Plain values.
 namespace Ombrique::Hosts {
 
@@ -28,7 +28,7 @@ struct FrameTime {
 };
 
 /// The value of a slider: a constant, or a function of the time that the plug-in asks for. The function is called on
-/// the thread of the command, and on several where several render. An exception of it makes the checkout fail.
+/// the thread of the command, and on several where several render. Where it throws, the checkout fails.
 class SliderValue {
 public:
     SliderValue(double constant) : mAt([constant](const FrameTime&) { return constant; }) {}
@@ -52,9 +52,9 @@ struct FrameRequest {
     World* output = nullptr;
     ParameterValues values{};
     FrameTime time{};
-    /// What the output is asked for; all of the output world (of the input, without one) where nothing is said.
+    /// The rectangle that is requested of the output. By default all of the output world, or of the input without one.
     std::optional<PF_LRect> requestedRect{};
-    /// What the input layer covers; all of the input world where nothing is said.
+    /// The rectangle that the input layer covers. By default all of the input world.
     std::optional<PF_LRect> layerRect{};
     /// Which calls of the host fail, and their log; null for no faults and no log.
     FaultPlan* faults = nullptr;
@@ -62,7 +62,7 @@ struct FrameRequest {
     bool verifyInput = true;
 };
 
-/// What a script gave: its result, or where `error` isn't empty, why there is none.
+/// The outcome of a script: its result, or where `error` isn't empty, the reason why there is none.
 struct ScriptResult {
     std::string text{};
     std::string error{};

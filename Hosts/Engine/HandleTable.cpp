@@ -32,7 +32,7 @@ struct HandleTable::Block {
     bool isOverrun() const { return std::memcmp(memory + size, kTrap.data(), kTrap.size()) != 0; }
 
     char* const memory;
-    /// What the handle points to: the plug-in can spoil it, and nothing else.
+    /// What the handle points to: the only field that a plug-in can overwrite through it.
     char* shown = memory;
     std::size_t size;
     int locks = 0;

@@ -8,10 +8,10 @@
 
 namespace Ombrique::Hosts {
 
-/// Blocks of memory that a plug-in holds by handle, with their locks counted. A handle is an address of the table's
-/// choosing that is never followed before it was found here, so that a stale or made-up one does no harm. At that
-/// address stands the pointer to the block's memory. A few bytes behind the memory hold a pattern that shows an
-/// overrun. One thread at a time; the destructor frees what is left.
+/// Blocks of memory that a plug-in holds by handle, with their locks counted. A handle is the address of a pointer to
+/// the block's memory. It is looked up here before it is followed, so that a stale or made-up one does no harm. A few
+/// bytes behind the memory hold a pattern that shows an overrun. One thread at a time; the destructor frees what is
+/// left.
 class HandleTable {
 public:
     using Findings = std::vector<std::string>;

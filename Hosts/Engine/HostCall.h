@@ -13,7 +13,7 @@ struct PF_ProgressInfo {};
 
 namespace Ombrique::Hosts {
 
-/// What a command came to.
+/// The outcome of a command.
 struct CommandResult {
     PF_Cmd command = 0;
     /// What the plug-in returned.
@@ -34,8 +34,8 @@ struct CommandResult {
 /// A command's name in the interface, or its number.
 std::string commandName(PF_Cmd command);
 
-/// A session: calls from the host into a plug-in, with all that the host serves meanwhile: in_data and its
-/// callbacks, the suites, and the book that is kept of them. A frame is one session of two commands.
+/// A session: calls from the host into a plug-in, with all that the host serves meanwhile: in_data and its callbacks,
+/// the suites, and the ledger of what is taken and given back. A frame is one session of two commands.
 ///
 /// The suites' functions don't say on whose behalf they are called, so a session is found by thread: it is current on
 /// the thread that made it from construction to destruction, and on the thread of send() meanwhile. Sessions nest.
@@ -63,8 +63,8 @@ public:
     static const PF_PreRenderCallbacks* preRenderCallbacks();
     static const PF_SmartRenderCallbacks* smartRenderCallbacks();
 
-    /// Sends one command, and closes the book on it: what is out of balance stands in the result, and is forgotten.
-    /// The PF_OutData of before is kept, but for its message. An exception that leaves the plug-in is a finding and the
+    /// Sends one command. What is out of balance afterwards stands in the result, and the ledger starts anew. Keeps the
+    /// PF_OutData of the command before, without its message. An exception that leaves the plug-in is a finding and the
     /// error 512.
     CommandResult send(PF_EntryPoint entryPoint, PF_Cmd command, void* extra = nullptr);
 

@@ -8,7 +8,7 @@
 
 namespace Ombrique::Hosts {
 
-/// The book that a careful host keeps while a plug-in runs: what was taken, and what was given back. Balance means:
+/// The host's account of what a plug-in takes and gives back. Balance means:
 ///
 /// - each suite is released as often as it was acquired, by the same name and version;
 /// - each parameter that was checked out is checked in with the same structure (checking in a structure that holds no

@@ -14,7 +14,7 @@ template <typename Pixel> PF_Err getPixelData(const char* name, PF_EffectWorld* 
     return serve(name, {}, [&](HostCall& call, bool) -> PF_Err {
         if (!layer || !data)
             return PF_Err_BAD_CALLBACK_PARAM;
-        // A world of the plug-in's own is taken for what it says.
+        // The fields of a world that the plug-in made are trusted.
         const World* world = call.worldOf(layer);
         if (!world || world->depth() == kDepthOf<Pixel>)
             *data = static_cast<Pixel*>(pixel ? pixel : layer->data);

@@ -5,8 +5,8 @@
 #include <new>
 #include <string_view>
 
-/// The one way from each function that the host serves to the session that is current on its thread. Private to
-/// the engine.
+/// How each function that the host serves finds the session of its thread, and how faults and exceptions become error
+/// codes. Private to the engine.
 namespace Ombrique::Hosts {
 
 /// Runs `action`, and turns an exception into an error: no exception passes to the plug-in.

@@ -16,7 +16,7 @@ constexpr std::size_t kAlignment = 64;
 
 std::size_t alignedUp(std::size_t size) { return (size + kAlignment - 1) / kAlignment * kAlignment; }
 
-/// Another one for each of 256 worlds in turn.
+/// A different value for each of 256 worlds in a row.
 std::uint8_t nextSeed() {
     static std::atomic<unsigned> count{0};
     return static_cast<std::uint8_t>(count.fetch_add(1, std::memory_order_relaxed) * 89 + 0x5a);
@@ -29,8 +29,8 @@ std::size_t strideOf(int width, PixelDepth depth, int paddingBytes) {
     return static_cast<std::size_t>(stride);
 }
 
-/// Four sums side by side, because each step of one waits for the step before. A step is one to one in the word that it
-/// takes in, so that no change of a single word goes unseen.
+/// Four sums side by side, because each step of one waits for the step before. Each step maps different words to
+/// different sums, so that a change of a single word always shows.
 class Checksum {
 public:
     void add(const std::byte* bytes, std::size_t size) {

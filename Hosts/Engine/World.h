@@ -35,7 +35,7 @@ struct WorldLayout {
 /// A picture in the host's memory, as a plug-in gets it, with traps around it: the padding of its rows and an area of
 /// more than one row on either side hold a pattern of this world's own, so that whatever is written there shows, also a
 /// copy of another world's padding. Pixels start as zero. A world may be moved; the address of its PF_LayerDef moves
-/// along, that of its pixels stays. Not for use on several threads at once, but for reading.
+/// along, that of its pixels stays. Several threads may read at once, while none writes.
 class World {
 public:
     /// @throw std::length_error where a row or the whole is too long for the interface or for memory,
@@ -48,7 +48,7 @@ public:
     /// From one row to the next, in bytes; negative bottom-up.
     std::ptrdiff_t rowBytes() const { return mRowBytes; }
 
-    /// What the plug-in is handed. The world's own, and its fields are the plug-in's to read only.
+    /// What the plug-in is handed. The world owns it, and the plug-in may only read its fields.
     PF_LayerDef* layer() { return &mLayer; }
     const PF_LayerDef* layer() const { return &mLayer; }
 
@@ -72,8 +72,9 @@ public:
                 setPixel(x, y, value);
     }
 
-    /// What was written where nothing may be, one line a place (before the picture, after it, the first padding that
-    /// differs, the fields of the PF_LayerDef); empty when all is well. Reads padding and guards only.
+    /// The places where nothing may be written and something was, one line each (before the picture, after it, the
+    /// first padding that differs, the fields of the PF_LayerDef). Empty when all is well. Reads padding and guards
+    /// only.
     std::vector<std::string> damage() const;
     /// A number that tells one content of the pixels from another; padding doesn't count.
     std::uint64_t checksum() const;

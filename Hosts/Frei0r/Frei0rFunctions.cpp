@@ -48,7 +48,7 @@ void f0r_deinit() {
 }
 
 void f0r_get_plugin_info(f0r_plugin_info_t* info) {
-    // What a tool must pass over, for one that asks though f0r_init failed.
+    // A type that tools ignore, for those that ask although f0r_init failed.
     constexpr int kNoType = -1;
     *info = {.name = "ombrique_contrast",
              .author = "",

@@ -7,7 +7,7 @@ namespace Ombrique::Hosts {
 
 namespace {
 
-/// By how many bits a pixel, read as a number, turns left when its last byte in memory becomes the first.
+/// How many bits to rotate a pixel to the left, so that its last byte in memory becomes the first.
 constexpr int kLastByteFirst = std::endian::native == std::endian::little ? 8 : -8;
 
 void copyTurned(const std::byte* from, std::byte* to, std::size_t pixels, int bits) {

@@ -4,8 +4,8 @@
 
 namespace Ombrique::Hosts {
 
-/// Something that people may expect to go wrong: a file that can't be read, a value out of range. The text is one line
-/// that names the file or the value first; the program ends with status 1.
+/// An expected failure: a file that can't be read, a value out of range. The text is one line that names the file or
+/// the value first; the program ends with status 1.
 class Failure : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };

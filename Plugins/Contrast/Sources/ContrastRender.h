@@ -21,7 +21,7 @@ public:
     ContrastRender& operator=(const ContrastRender&) = delete;
     ~ContrastRender();
 
-    /// The factor of the next draw: 1 changes nothing, 0 gives mid grey. Any value is taken.
+    /// The factor of the next draw: 1 changes nothing, 0 gives mid grey. Accepts any value.
     void setContrast(float contrast) { mContrast = contrast; }
     /// The brightness of the next draw, in the slider's units: -100 takes 1 off each colour, 100 adds 1. Any value is
     /// taken.
