@@ -15,7 +15,7 @@ using PF_Err = std::int32_t;
 enum : PF_Err {
     PF_Err_NONE = 0,
     PF_Err_OUT_OF_MEMORY = 4,
-    /// A suite that the host doesn't have. The plug-in throws it inside; it is no command's result.
+    /// The host doesn't have a suite. Thrown inside the plug-in, never a command's result.
     A_Err_MISSING_SUITE = 13,
     /// The host's own codes count from here.
     PF_FIRST_ERR = 512,

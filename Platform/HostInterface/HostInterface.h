@@ -8,9 +8,9 @@
 
 /// The whole interface: the entry point, and what the host hands to it with each command.
 
-/// What concerns the effect's parameters. Callable during the commands that say so.
+/// The host's functions for the effect's parameters.
 struct PF_InteractCallbacks {
-    /// The value of parameter `index` at a time, copied into `param`; checked in again with the same structure.
+    /// Copies parameter `index`, with its value at a time, into `param`. The same structure is checked in afterwards.
     PF_Err (*checkout_param)(PF_ProgPtr effect_ref, std::int32_t index, std::int32_t what_time, std::int32_t time_step,
                              std::uint32_t time_scale, PF_ParamDef* param);
     PF_Err (*checkin_param)(PF_ProgPtr effect_ref, PF_ParamDef* param);
@@ -44,7 +44,7 @@ struct PF_OutData {
     PF_OutFlags2 out_flags2;
     /// Parameters of the effect, the input layer among them.
     std::int32_t num_params;
-    /// A text for the user, ended by a zero; carriage returns part its lines.
+    /// A zero-terminated text for the user. Carriage returns separate its lines.
     char return_msg[256];
 };
 
@@ -52,7 +52,7 @@ struct PF_OutData {
 using PF_EntryPoint = PF_Err (*)(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[],
                                  PF_LayerDef* output, void* extra);
 
-/// The pixel of `world` at `pixel`, or its first pixel for null, stored at `data`. They reach the host through a
-/// variable of the name `in_data`.
+/// The pixel of `world` at `pixel`, or its first pixel for null, stored at `data`. The macros reach the host through a
+/// variable named `in_data`.
 #define PF_GET_PIXEL_DATA8(world, pixel, data) (in_data->utils->get_pixel_data8((world), (pixel), (data)))
 #define PF_GET_PIXEL_DATA16(world, pixel, data) (in_data->utils->get_pixel_data16((world), (pixel), (data)))

@@ -40,7 +40,7 @@ struct PF_ParamDef {
     } uu;
     std::int32_t ui_flags;
     PF_ParamType param_type;
-    /// What the user sees, ended by a zero.
+    /// The name that the user sees, zero-terminated.
     char name[32];
     std::int32_t flags;
     PF_ParamDefUnion u;

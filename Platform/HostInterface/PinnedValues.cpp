@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// Both sides of the interface are compiled apart and meet only here, so each value that one of them relies on is
-// pinned: a change of one is a change of the interface.
+// The host and the plug-in are compiled apart and share nothing but these declarations. Each value that one of them
+// relies on is asserted here: to change it is to change the interface.
 
 static_assert(PF_Err_NONE == 0 && PF_Err_OUT_OF_MEMORY == 4 && A_Err_MISSING_SUITE == 13);
 static_assert(PF_FIRST_ERR == 512 && PF_Err_INTERNAL_STRUCT_DAMAGED == 512);

@@ -4,14 +4,14 @@
 #include "Platform/HostInterface/Worlds.h"
 
 /// The host's suites: tables of functions, acquired by name and version from SPBasicSuite and released again. A table
-/// is the host's, and stays valid until it is released. The number in a table's type and the version that it is asked
-/// for by are two things. Suites of which only the possession matters declare no members.
+/// is the host's, and stays valid until it is released. The number in the name of a table's type is not the version by
+/// which it is acquired. Suites that the plug-in only holds declare no members.
 
 struct PF_InData;
 
 using SPErr = PF_Err;
 
-/// The host's desk for suites. Callable from every thread on which the host calls the plug-in.
+/// Gives out the host's suites. Callable from every thread on which the host calls the plug-in.
 struct SPBasicSuite {
     SPErr (*AcquireSuite)(const char* name, std::int32_t version, const void** suite);
     SPErr (*ReleaseSuite)(const char* name, std::int32_t version);
@@ -38,8 +38,8 @@ using PF_IteratePixelFloatFunc = PF_Err (*)(void* refcon, int x, int y, PF_Pixel
 /// "PF iterateFloat Suite", version 1.
 struct PF_iterateFloatSuite1 {
     /// Calls `function` for each pixel that source and destination have in common, or for those of `area` where it
-    /// isn't null, and stops at the first error, which is the result. The two progress values bound what a progress
-    /// bar shows meanwhile.
+    /// isn't null, and stops at the first error, which is the result. A progress bar moves from one progress value to
+    /// the other meanwhile.
     PF_Err (*iterate)(PF_InData* in_data, std::int32_t progress_base, std::int32_t progress_final, PF_LayerDef* source,
                       const PF_LRect* area, void* refcon, PF_IteratePixelFloatFunc function, PF_LayerDef* destination);
 };
@@ -49,9 +49,9 @@ using PF_Handle = char**;
 
 /// "PF Handle Suite", version 2.
 struct PF_HandleSuite1 {
-    /// Null when there isn't so much memory. `size` is in bytes.
+    /// Null when there isn't enough memory. `size` is in bytes.
     PF_Handle (*host_new_handle)(std::uint64_t size);
-    /// Holds the memory in place and tells where it is.
+    /// Keeps the memory in place and returns its address.
     void* (*host_lock_handle)(PF_Handle handle);
     void (*host_unlock_handle)(PF_Handle handle);
     void (*host_dispose_handle)(PF_Handle handle);

@@ -37,7 +37,7 @@ enum : int {
 };
 
 /// A world: a picture of `width` by `height` pixels in the host's memory. The host owns it, and it lives as long as the
-/// command that it was handed to. It doesn't say its depth: whoever uses it knows.
+/// command that it was handed to. It doesn't tell its depth: the code that uses it has to know.
 struct PF_LayerDef {
     /// The first pixel of the first row. A plug-in reaches it through PF_GET_PIXEL_DATA8 and PF_GET_PIXEL_DATA16.
     void* data;

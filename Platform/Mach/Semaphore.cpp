@@ -45,7 +45,7 @@ public:
         return KERN_SUCCESS;
     }
 
-    // A thread may have looked the name up before it ended and get here only now: it must not block for ever.
+    // A thread that found the semaphore before it lost its name may call wait() after this. It must not block for ever.
     void terminate() {
         const std::lock_guard lock(mMutex);
         mTerminated = true;
@@ -61,7 +61,7 @@ public:
     }
 
 private:
-    // A blocked thread, on that thread's own stack; the chain of them is the order in which they wake.
+    // A blocked thread, on that thread's own stack. The chain from mLast on is the order in which threads wake.
     struct Waiter {
         Waiter* below;
         std::condition_variable wake{};
@@ -69,7 +69,7 @@ private:
         kern_return_t result = KERN_SUCCESS;
     };
 
-    // The notification stands under the lock: after it, the waiter and its condition may be gone.
+    // Notifies under the lock: without it, the waiter and its condition variable may already be gone.
     void releaseLast(kern_return_t result) {
         Waiter& waiter = *std::exchange(mLast, mLast->below);
         waiter.released = true;
@@ -88,7 +88,8 @@ private:
     bool mTerminated = false;
 };
 
-// Calls hold what they found here until they return, so that a semaphore outlives its name by those.
+// The semaphores by their names. A call holds the semaphore that it found until it returns, whatever becomes of the
+// name.
 class Registry {
 public:
     semaphore_t add(std::shared_ptr<CountingSemaphore> semaphore) {

@@ -6,11 +6,10 @@
 /// The platform's counting semaphores, under Mach's names and over standard C++.
 ///
 /// A semaphore is known by a name, a number that is never 0. Every function may be called from any thread at the same
-/// time as any other, on the same semaphore too; none throws. A name that is no semaphore's, or no longer, is
-/// answered with KERN_INVALID_ARGUMENT.
+/// time as any other, on the same semaphore too; none throws. A name without a semaphore gives KERN_INVALID_ARGUMENT.
 ///
-/// A signal goes to a blocked thread directly: from then on that thread has it, however late it gets to run, and no
-/// thread that comes in between can take it. So nobody is blocked while the count is above 0.
+/// A signal belongs to one blocked thread from the moment that it is given. However late that thread runs, no other can
+/// take the signal. So no thread is blocked while the count is above 0.
 
 using kern_return_t = int;
 
@@ -31,7 +30,7 @@ enum : int {
     SYNC_POLICY_LIFO = 2,
 };
 
-/// The name of this process, the only one whose semaphores there are.
+/// The name of this process, the only task that has semaphores here.
 task_t mach_task_self() noexcept;
 
 /// Makes a semaphore with the start count `value` and stores its name at `semaphore`, which stays untouched on failure.
@@ -39,8 +38,8 @@ task_t mach_task_self() noexcept;
 /// with KERN_RESOURCE_SHORTAGE when there is no memory for it.
 kern_return_t semaphore_create(task_t task, semaphore_t* semaphore, int policy, int value) noexcept;
 
-/// Ends a semaphore and its name. Threads that are blocked on it wake with KERN_TERMINATED; calls that are on their way
-/// out, a signal's whose waiter now destroys the semaphore for one, finish safely.
+/// Ends a semaphore and its name. Threads that are blocked on it wake with KERN_TERMINATED; calls that are still
+/// returning finish safely. So a thread may destroy the semaphore while the signal that woke it returns.
 kern_return_t semaphore_destroy(task_t task, semaphore_t semaphore) noexcept;
 
 /// Takes one from the count, or blocks until a signal comes to this thread. There are no spurious wake-ups.
@@ -52,13 +51,13 @@ kern_return_t semaphore_signal(semaphore_t semaphore) noexcept;
 /// Wakes all threads that are blocked now. The count stays as it is, whether there are such threads or not.
 kern_return_t semaphore_signal_all(semaphore_t semaphore) noexcept;
 
-/// What a semaphore is like at one moment.
+/// The state of a semaphore at one moment.
 struct SemaphoreState {
     std::int64_t count;
     /// Threads that only a signal, or the semaphore's end, will wake. One that was signalled isn't among them.
     std::size_t blocked;
 };
 
-/// A name of our own beside Mach's: the state of a semaphore, zeros for a name that is none. Other threads may have
-/// changed it by the time it is read; a thread once seen blocked stays so until it is signalled.
+/// Not one of Mach's functions. Returns the state of a semaphore, zeros for a name without one. Other threads may
+/// change it before the caller reads it, but a thread that was seen blocked stays so until it is signalled.
 SemaphoreState inspectSemaphore(semaphore_t semaphore) noexcept;

@@ -11,8 +11,8 @@
 /// it as one would use a pointer: copy it, compare it with another or with nullptr, key a map with it.
 ///
 /// Two values are equal where display, context and both surfaces are, so the same context with another surface is
-/// another value. Contexts of NSOpenGLContext keep one value from their making to their end; after that the driver may
-/// give a new context the same one.
+/// another value. A context of NSOpenGLContext has one value as long as it lives; after that the driver may give the
+/// same value to a new context.
 struct CGLContextObj {
     CGLContextObj() = default;
     CGLContextObj(std::nullptr_t) {}

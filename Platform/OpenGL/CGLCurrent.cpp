@@ -6,7 +6,7 @@
 using namespace PlatformEGL;
 
 CGLContextObj CGLGetCurrentContext() {
-    // A host's context may have other surfaces each time, one of our own has the same.
+    // A context of our own has one value, whatever EGL says of its surfaces.
     if (const NSOpenGLContext* const own = NSOpenGLContext::currentContext())
         return own->CGLContextObj();
     return currentBinding();
@@ -14,7 +14,7 @@ CGLContextObj CGLGetCurrentContext() {
 
 bool CGLSetCurrentContext(CGLContextObj context) {
     const bool done = setBinding(context);
-    // Asking for it lets the thread's reference follow what is current.
+    // Updates the thread's reference to what is current.
     NSOpenGLContext::currentContext();
     return done;
 }

@@ -4,6 +4,6 @@
 /// know before it hands a picture to a plug-in that works on OpenGL. The same for all contexts that are made through
 /// NSOpenGLContext. 0 where no such context can be made.
 ///
-/// Makes a context for the question and gives it back: ask once. Any thread; what is current on it is so again
+/// Makes a context to ask, and destroys it: call it once. Any thread; what was current on the thread is current again
 /// afterwards.
 int longestRenderableSide();

@@ -9,8 +9,8 @@ namespace PlatformEGL {
 /// The current context with its display and surfaces, nullptr for none.
 CGLContextObj currentBinding();
 
-/// Makes `object` current exactly as it was recorded; nullptr lets go of what is current, through the display of that,
-/// because some drivers refuse EGL_NO_DISPLAY. Returns whether it did.
+/// Makes `object` current exactly as it was recorded; nullptr lets go of the current context. That goes through the
+/// context's own display, because some drivers refuse EGL_NO_DISPLAY. Returns whether it did.
 bool setBinding(const CGLContextObj& object);
 
 } // namespace PlatformEGL

@@ -17,7 +17,7 @@ NSAutoreleasePool::~NSAutoreleasePool() {
 }
 
 void NSAutoreleasePool::drain() noexcept {
-    // What is released may hand over more on its way out.
+    // The destructor of an object may add further objects.
     while (!mObjects.empty()) {
         NSObject* object = mObjects.back();
         mObjects.pop_back();

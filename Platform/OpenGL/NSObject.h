@@ -2,8 +2,8 @@
 
 #include <atomic>
 
-/// An object with a count of references. It begins with one, which belongs to whoever made it, and ends when the last
-/// is released. Any thread may retain and release.
+/// A reference-counted object. It starts with one reference, which belongs to its maker, and is destroyed when the last
+/// one is released. Any thread may retain and release.
 class NSObject {
 public:
     NSObject(const NSObject&) = delete;
@@ -19,8 +19,8 @@ protected:
     NSObject() = default;
     virtual ~NSObject() = default;
 
-    /// Takes a reference unless the last one has been released already; returns whether it did. For tables that list
-    /// objects without holding them.
+    /// Takes a reference unless the last one has been released already; returns whether it did. For lists of objects
+    /// that hold no reference to them.
     bool retainIfAlive() {
         int references = mReferences.load(std::memory_order_relaxed);
         while (references > 0)

@@ -10,8 +10,8 @@ using namespace PlatformEGL;
 
 namespace {
 
-/// The living contexts, as a list through them. Nothing here has a destructor to run, since a thread that outlasts the
-/// program's statics may still let go of its context.
+/// The living contexts, as a linked list. It has no destructor, since a thread that outlives the program's statics may
+/// still let go of its context.
 struct LivingContexts {
     std::mutex mutex;
     NSOpenGLContext* first = nullptr;
@@ -30,8 +30,8 @@ struct ThreadReference {
             previous->release();
     }
 
-    // A thread that ended with a context current would keep it from every other thread, and from ending. Where this
-    // code was loaded as part of a plug-in, the C library keeps it loaded until the threads that used it have ended.
+    // A context that stayed current on an ended thread could be neither used by another nor destroyed. Where this code
+    // is part of a plug-in, the C library keeps it loaded until the threads that used it have ended.
     ~ThreadReference() {
         if (context && currentBinding() == context->CGLContextObj())
             setBinding(nullptr);
@@ -84,8 +84,8 @@ NSOpenGLContext* NSOpenGLContext::retainedContext(const void* handle) {
 }
 
 NSOpenGLContext* NSOpenGLContext::currentContext() {
-    // Each question to EGL costs a system call, and the handle alone tells: a context that is held is alive, so that no
-    // other has its handle.
+    // EGL is asked for the handle alone, since each question costs a system call. That is enough: a context that is
+    // held is alive, so no other has its handle.
     const EGLContext current = eglGetCurrentContext();
     const EGLContext held = tReference.context ? tReference.context->mObject.context : EGL_NO_CONTEXT;
     if (current != held)

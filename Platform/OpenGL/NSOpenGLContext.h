@@ -9,10 +9,9 @@ class NSOpenGLPixelFormat;
 /// thread at a time.
 ///
 /// A thread that has a context current holds a reference to it, so that a context whose owner releases it lives on
-/// until that thread makes another current, lets go, or ends. The contexts of a host that works on EGL itself come and
-/// go beside these: they are never a "current context" here, and CGLGetCurrentContext is what sees them. A thread on
-/// which a host has replaced the current context gives up its reference when it next asks or sets what is current, or
-/// ends.
+/// until that thread makes another current, lets go, or ends. A context that a host made on EGL itself is never a
+/// "current context" here; CGLGetCurrentContext sees it. Where a host has replaced the current context, the thread
+/// gives up its reference when it next asks for or sets what is current, or ends.
 ///
 /// Which client API a host has bound on EGL (eglBindAPI) is the same after every call as before it.
 class NSOpenGLContext : public NSObject {

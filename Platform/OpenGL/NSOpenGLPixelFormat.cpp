@@ -9,7 +9,7 @@ using namespace PlatformEGL;
 
 namespace {
 
-/// What a list of attributes asks for; nothing where it can't be served whatever the display is.
+/// What a list of attributes asks for; nothing where no display can serve it.
 std::optional<ConfigRequest> parse(const NSOpenGLPixelFormatAttribute* attribute) {
     ConfigRequest request;
     bool core = false;

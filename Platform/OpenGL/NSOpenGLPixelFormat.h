@@ -14,11 +14,11 @@ enum : NSOpenGLPixelFormatAttribute {
     NSOpenGLPFAAlphaSize = 11,
     NSOpenGLPFADepthSize = 12,
     NSOpenGLPFAStencilSize = 13,
-    /// No other renderer is to step in when one fails. None ever does here. No argument.
+    /// No other renderer takes over when one fails; none ever does here. No argument.
     NSOpenGLPFANoRecovery = 72,
-    /// The colour size may be missed; the closest is taken. No argument.
+    /// The closest colour size will do. No argument.
     NSOpenGLPFAClosestPolicy = 74,
-    /// What contexts are to offer. Takes a profile; NSOpenGLProfileVersion3_2Core is the only one there is here.
+    /// What contexts offer. Takes a profile; NSOpenGLProfileVersion3_2Core is the only one there is here.
     NSOpenGLPFAOpenGLProfile = 99,
 };
 

@@ -23,8 +23,8 @@ public:
 
     /// The factor of the next draw: 1 changes nothing, 0 gives mid grey. Accepts any value.
     void setContrast(float contrast) { mContrast = contrast; }
-    /// The brightness of the next draw, in the slider's units: -100 takes 1 off each colour, 100 adds 1. Any value is
-    /// taken.
+    /// The brightness of the next draw, in the slider's units: -100 takes 1 off each colour, 100 adds 1. Accepts any
+    /// value.
     void setBrightness(float brightness) { mBrightness = brightness; }
 
     /// Draws `texture`, a GL_TEXTURE_2D, over the whole of the bound render target. `multiplier` is the one that the

@@ -12,21 +12,21 @@ namespace Ombrique::GaussianBlur {
 
 /// One OpenGL context of the plug-in's own, without a drawable: all rendering goes to frame buffer objects.
 ///
-/// A wrapper belongs to one thread at a time. Nothing here reports an error; a context that the platform refused is
-/// told by isValid.
+/// A wrapper belongs to one thread at a time. Nothing here reports an error; isValid tells whether the platform gave a
+/// context.
 class AEOpenGLContext {
 public:
     /// Makes a core-profile context in the share group of `shareContext`, or one that shares with nothing where that is
     /// null. Afterwards it is current on the calling thread, and the binding of OpenGL's functions is ready there; what
     /// was current before isn't put back. Writes the context's identity to standard output.
     ///
-    /// Where the platform refuses, the context that was current stays so, and its identity is written; where there is
-    /// none either, nothing is.
+    /// Where the platform refuses, the context that was current stays current, and its identity is written; without
+    /// one, nothing is written.
     explicit AEOpenGLContext(const AEOpenGLContext* shareContext);
     AEOpenGLContext(const AEOpenGLContext&) = delete;
     AEOpenGLContext& operator=(const AEOpenGLContext&) = delete;
-    /// Drops what PerContext holds for this context, then gives up the platform's. Where that is still current on some
-    /// thread, it lives on until the thread turns to another: what is current is left alone.
+    /// Drops what PerContext holds for this context, and gives up the platform's. What is current stays so: a context
+    /// that is current on some thread lives until that thread makes another current.
     virtual ~AEOpenGLContext();
 
     /// Whether there is a platform context behind this object.

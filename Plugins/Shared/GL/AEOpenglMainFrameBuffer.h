@@ -29,7 +29,7 @@ struct Vec2;
 /// failed allocation throws std::bad_alloc, and leaves the stack to clearStack().
 class AEOpenglMainFrameBuffer {
 public:
-    /// The one of this process, made at the first call. Never null, never deleted.
+    /// The one that all frames share, made at the first call. Never null, never deleted.
     static AEOpenglMainFrameBuffer* mainFrameBuffer();
 
     /// No OpenGL call.
@@ -50,7 +50,7 @@ public:
     /// Opens a frame: pushes a cleared colour renderbuffer and sets the viewport; blending is off, and multisampling is
     /// on if it was prepared.
     void beginDrawing();
-    /// Closes it. `multiplier` is the one that the upload gave. Nothing happens if the stack is empty.
+    /// Closes the frame. `multiplier` is the one that the upload gave. Nothing happens if the stack is empty.
     void endDrawing(float multiplier);
 
     /// Pushes a cleared colour renderbuffer of the prepared size, with a stencil renderbuffer (whose content is

@@ -10,7 +10,7 @@ class NSOpenGLContext;
 /// The host's context is remembered at both levels of the platform, since a host may work on either. Where nothing was
 /// current, nothing is put back, and what the plug-in made current stays so.
 ///
-/// The accessors bear the names of the properties, so the fields behind them have an underscore before these.
+/// The accessors have the names of the properties, so the fields behind them begin with an underscore.
 class SaveRestoreGLContextMac {
 public:
     /// Remembers what is current now.

@@ -15,7 +15,7 @@ auto hold(Semaphore& lock) {
 
 } // namespace
 
-// In the body, where a failure finds the other field complete.
+// Made in the body: where that throws, the other field is complete and is destroyed.
 IdleQueue::IdleQueue() { mQueueLock = new Semaphore(1); }
 
 IdleQueue::~IdleQueue() {

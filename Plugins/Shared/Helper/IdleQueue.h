@@ -40,7 +40,7 @@ public:
 private:
     std::optional<std::function<void()>> takeOldest();
 
-    /// A lock by its start count of 1; owned.
+    /// Used as a lock: its count starts at 1. Owned.
     Semaphore* mQueueLock = nullptr;
     std::deque<std::function<void()>> mTasks;
 };

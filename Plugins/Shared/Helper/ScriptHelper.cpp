@@ -34,7 +34,7 @@ bool isNotWhiteSpace(char character) {
 std::string RunSriptAndGetStringResult(SPBasicSuite* basicSuite, const char* script) {
     const SuiteScoper<AEGP_UtilitySuite5> utilitySuite(basicSuite, "AEGP Utility Suite", 11);
     const SuiteScoper<AEGP_MemorySuite1> memoryScope(basicSuite, "AEGP Memory Suite", 1);
-    // Before there is memory to give back: a table that the host left out is known now.
+    // Throws where the host left the table out, while there is no memory to give back yet.
     const AEGP_MemorySuite1& memorySuite = *memoryScope.operator->();
 
     AEGP_MemHandle resultHandle = nullptr;

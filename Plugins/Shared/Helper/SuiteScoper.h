@@ -9,8 +9,8 @@
 /// that acquire and release in different places.
 ///
 /// Messages reach PF_OutData::return_msg through the host's sprintf, and as its format: a text of the caller's contains
-/// no conversion and fits return_msg. Names of suites are literals, which the functions keep no copy of. Everything
-/// here may be called on any thread on which the host calls the plug-in.
+/// no conversion and fits return_msg. Names of suites are literals: the functions keep no copy. Everything here may be
+/// called on any thread on which the host calls the plug-in.
 namespace Ombrique::GaussianBlur {
 
 /// Holds the suite `T` from construction to destruction, and releases it under the name and version under which it was
@@ -23,7 +23,7 @@ public:
     /// The host's code alone decides: one that reports success with a null table gives a scoper whose mSuite is null.
     SuiteScoper(const PF_InData* in_data, const char* suiteName, int suiteVersion, PF_OutData* out_data = nullptr,
                 const char* errorMessage = nullptr);
-    /// The same for callers that have only the host's desk for suites; throws without a message.
+    /// The same for callers that have no `in_data`; throws without a message.
     SuiteScoper(SPBasicSuite* basicSuite, const char* suiteName, int suiteVersion);
     /// Releases the suite, if there is one; what the host answers is dropped.
     ~SuiteScoper();
@@ -48,13 +48,13 @@ private:
 };
 
 /// Stores the table of suite `name` at `suite`, which must hold null before, and returns PF_Err_NONE. The table alone
-/// decides: whatever code the host returns, a null table is a failure, and so is a host without a desk for suites. A
-/// failure is shown to the user, as `error` or, where that is null, as a text with name and version, and returns
+/// decides: whatever code the host returns, a null table is a failure, and so is a host without SPBasicSuite. A failure
+/// is shown to the user, as `error` or, where that is null, as a text with name and version, and returns
 /// PF_Err_BAD_CALLBACK_PARAM.
 PF_Err AcquireSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, int version, const char* error,
                     void** suite);
 
-/// Releases what AcquireSuite acquired; the host's answer is ignored. Fails only where the host has no desk for suites:
+/// Releases what AcquireSuite acquired; the host's answer is ignored. Fails only where the host has no SPBasicSuite:
 /// shows the user `error`, or a text of its own where that is null, and returns PF_Err_BAD_CALLBACK_PARAM.
 PF_Err ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, int version, const char* error);
 
@@ -63,8 +63,8 @@ PF_Err ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, 
 /// earlier ones stay acquired. For null `suites` it shows a message and returns PF_Err_UNRECOGNIZED_PARAM_TYPE.
 PF_Err AcquireDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, DRAWBOT_Suites* suites);
 
-/// Releases the four suites of the drawing family. Always PF_Err_NONE: a host without a desk for suites gets the
-/// message of ReleaseSuite, and no error.
+/// Releases the four suites of the drawing family. Always PF_Err_NONE: a host without SPBasicSuite gets the message of
+/// ReleaseSuite, and no error.
 PF_Err ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data);
 
 namespace Detail {
