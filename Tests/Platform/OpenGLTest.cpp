@@ -1,16 +1,16 @@
 #include "Platform/OpenGL/CGLCurrent.h"
+#include "Platform/OpenGL/DriverLimits.h"
 #include "Platform/OpenGL/NSAutoreleasePool.h"
 #include "Platform/OpenGL/NSOpenGLContext.h"
 #include "Platform/OpenGL/NSOpenGLPixelFormat.h"
 #include "Tests/Support/HostContext.h"
-#include "Tests/Support/Worker.h"
 
 #include <gtest/gtest.h>
 
 #include <barrier>
+#include <latch>
 #include <limits>
 #include <memory>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -25,14 +25,13 @@ template <typename Object> using Owned = std::unique_ptr<Object, Release>;
 
 using Attributes = std::vector<NSOpenGLPixelFormatAttribute>;
 
-Owned<NSOpenGLPixelFormat> makeFormat(Attributes attributes = {NSOpenGLPFAOpenGLProfile,
-                                                               NSOpenGLProfileVersion3_2Core}) {
+Owned<NSOpenGLPixelFormat> makeFormat(Attributes attributes) {
     attributes.push_back(0);
     return Owned<NSOpenGLPixelFormat>(NSOpenGLPixelFormat::initWithAttributes(attributes.data()));
 }
 
 Owned<NSOpenGLContext> makeContext() {
-    return Owned<NSOpenGLContext>(NSOpenGLContext::initWithFormat(makeFormat().get(), nullptr));
+    return Owned<NSOpenGLContext>(NSOpenGLContext::initWithFormat(makeFormat({99, 0x3200}).get(), nullptr));
 }
 
 TEST(PixelFormat, RefusesWhatNoConfigurationHas) {
@@ -50,6 +49,8 @@ TEST(PixelFormat, RefusesWhatNoConfigurationHas) {
         {"an unknown attribute", {99, 0x3200, 4711}, false},
         {"more colour than there is", {8, 1000, 99, 0x3200}, false},
         {"more depth than there is", {74, 12, 1000, 99, 0x3200}, false},
+        {"more stencil than there is", {74, 13, 1000, 99, 0x3200}, false},
+        {"more alpha than there is", {74, 11, 1000, 99, 0x3200}, false},
         {"more alpha than a number holds", {74, 11, huge, 99, 0x3200}, false},
     };
     for (const auto& row : rows)
@@ -62,74 +63,73 @@ class BesideAHost : public testing::TestWithParam<EGLenum> {};
 INSTANTIATE_TEST_SUITE_P(API, BesideAHost, testing::Values(EGL_OPENGL_API, EGL_OPENGL_ES_API),
                          [](const auto& api) { return apiName(api.param); });
 
-TEST_P(BesideAHost, TheHostsContextComesBackWithItsDisplaySurfacesAndAPI) {
+TEST_P(BesideAHost, WhatEachMakesCurrentIsSeenAndTheHostsComesBack) {
     const HostContext host(GetParam());
+    EXPECT_GT(longestRenderableSide(), 0); // the first question, so the display is chosen beside the host's context
+    const auto context = makeContext();
+    EXPECT_TRUE(host.isUntouched());
     const CGLContextObj recorded = CGLGetCurrentContext();
     EXPECT_NE(recorded, nullptr);
     EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
 
-    const auto context = makeContext(); // the first one, so the display is chosen beside the host's context, too
-    ASSERT_TRUE(context);
-    EXPECT_TRUE(host.isUntouched());
-    ASSERT_TRUE(context->makeCurrentContext());
-    EXPECT_EQ(CGLGetCurrentContext(), context->CGLContextObj());
+    ASSERT_TRUE(context && context->makeCurrentContext());
+    const CGLContextObj object = context->CGLContextObj();
+    EXPECT_EQ(CGLGetCurrentContext(), object);
     EXPECT_EQ(eglQueryAPI(), GetParam());
+    const EGLDisplay display = eglGetCurrentDisplay();
+    host.makeCurrent(); // by EGL alone, as is the next
+    EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
+    ASSERT_TRUE(eglMakeCurrent(display, object.drawSurface, object.readSurface, object.context));
+    EXPECT_EQ(NSOpenGLContext::currentContext(), context.get());
 
     EXPECT_TRUE(CGLSetCurrentContext(recorded));
     EXPECT_TRUE(host.isUntouched());
 }
 
-TEST_P(BesideAHost, WhatAHostSwitchesOnEGLIsSeen) {
-    const HostContext host(GetParam());
-    const auto context = makeContext();
-    ASSERT_TRUE(context->makeCurrentContext());
-    const EGLDisplay display = eglGetCurrentDisplay();
-    host.makeCurrent();
-    EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
-
-    const CGLContextObj object = context->CGLContextObj();
-    ASSERT_TRUE(eglMakeCurrent(display, object.drawSurface, object.readSurface, object.context));
-    EXPECT_EQ(NSOpenGLContext::currentContext(), context.get());
+TEST(Context, IsNotLeftCurrentByTheLookAtTheDriversLimits) {
+    EXPECT_GT(longestRenderableSide(), 0);
+    EXPECT_EQ(CGLGetCurrentContext(), nullptr);
 }
 
 TEST(Context, LivesWhileAThreadHasItCurrent) {
     auto context = makeContext();
     const CGLContextObj object = context->CGLContextObj();
-    Worker worker;
-    worker.run([&] { EXPECT_TRUE(context->makeCurrentContext()); });
+    ASSERT_TRUE(context->makeCurrentContext());
     context.reset();
-    worker.run([&] {
-        ASSERT_NE(NSOpenGLContext::currentContext(), nullptr);
-        EXPECT_EQ(NSOpenGLContext::currentContext()->CGLContextObj(), object);
-        EXPECT_EQ(CGLGetCurrentContext(), object);
-        EXPECT_TRUE(CGLSetCurrentContext(nullptr));
-        EXPECT_FALSE(CGLSetCurrentContext(object)) << "nobody holds it any more, and yet it lives";
-        EXPECT_EQ(CGLGetCurrentContext(), nullptr);
-        EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
-    });
+    ASSERT_NE(NSOpenGLContext::currentContext(), nullptr);
+    EXPECT_EQ(NSOpenGLContext::currentContext()->CGLContextObj(), object);
+    EXPECT_EQ(CGLGetCurrentContext(), object);
+    EXPECT_TRUE(CGLSetCurrentContext(nullptr));
+    EXPECT_FALSE(CGLSetCurrentContext(object)) << "nobody holds it any more, and yet it lives";
+    EXPECT_EQ(CGLGetCurrentContext(), nullptr);
+    EXPECT_EQ(NSOpenGLContext::currentContext(), nullptr);
 }
 
 TEST(Context, IsCurrentOnOneThreadUntilThatEnds) {
     const auto first = makeContext();
     const auto second = makeContext();
     ASSERT_TRUE(second->makeCurrentContext());
-    {
-        Worker worker;
-        worker.run([&] { EXPECT_TRUE(first->makeCurrentContext()); });
-        EXPECT_FALSE(first->makeCurrentContext());
-        EXPECT_FALSE(CGLSetCurrentContext(first->CGLContextObj()));
-        EXPECT_EQ(NSOpenGLContext::currentContext(), second.get());
-        EXPECT_EQ(CGLGetCurrentContext(), second->CGLContextObj());
-    }
+    std::latch isCurrent(1);
+    std::latch isRefused(1);
+    std::thread other([&] {
+        EXPECT_TRUE(first->makeCurrentContext());
+        isCurrent.count_down();
+        isRefused.wait();
+    });
+    isCurrent.wait();
+    EXPECT_FALSE(first->makeCurrentContext());
+    EXPECT_FALSE(CGLSetCurrentContext(first->CGLContextObj()));
+    EXPECT_EQ(NSOpenGLContext::currentContext(), second.get());
+    EXPECT_EQ(CGLGetCurrentContext(), second->CGLContextObj());
+    isRefused.count_down();
+    other.join();
     EXPECT_TRUE(first->makeCurrentContext());
 }
 
 TEST(Context, ManyThreadsMayBeTheFirst) {
-    constexpr int kThreads = 8;
-    std::barrier together(kThreads);
-    std::vector<std::thread> threads;
-    threads.reserve(kThreads);
-    for (int i = 0; i < kThreads; ++i)
+    std::barrier together(8);
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 8; ++i)
         threads.emplace_back([&] {
             together.arrive_and_wait();
             for (int round = 0; round < 5; ++round) {
@@ -138,8 +138,6 @@ TEST(Context, ManyThreadsMayBeTheFirst) {
                 EXPECT_EQ(NSOpenGLContext::currentContext(), context.get());
             }
         });
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 TEST(AutoreleasePool, ReleasesAtTheEndOfItsOwnScope) {
@@ -151,14 +149,13 @@ TEST(AutoreleasePool, ReleasesAtTheEndOfItsOwnScope) {
     int living = 0;
     const NSAutoreleasePool outer;
     NSAutoreleasePool::addObject(new Counted(living));
-    EXPECT_THROW(
-        {
-            const NSAutoreleasePool inner;
-            NSAutoreleasePool::addObject(new Counted(living));
-            EXPECT_EQ(living, 2);
-            throw std::runtime_error("through the scope");
-        },
-        std::runtime_error);
+    try {
+        const NSAutoreleasePool inner;
+        NSAutoreleasePool::addObject(new Counted(living));
+        EXPECT_EQ(living, 2);
+        throw 13;
+    } catch (int) {
+    }
     EXPECT_EQ(living, 1);
 }
 

@@ -1,165 +1,132 @@
 #include "Plugins/Shared/Helper/SuiteScoper.h"
 
-#include <gtest/gtest.h>
+#include "Hosts/Engine/HostCall.h"
 
-#include <cstdio>
-#include <functional>
-#include <string>
-#include <vector>
+#include <gtest/gtest.h>
 
 namespace Ombrique::GaussianBlur {
 
 namespace {
 
-struct Suite {};
-constexpr Suite kSuite;
+using namespace Hosts;
+using In = PF_InData*;
+using Out = PF_OutData*;
+using Item = SuiteScoper<AEGP_ItemSuite6>;
 
-/// A desk that has every suite but those that a test takes away, and notes what is asked of it.
-struct Desk {
-    std::vector<std::string> log{};
-    /// The acquisition, counted from 0, that is answered with `code` and `table` in place of success.
-    std::size_t refused = 99;
-    SPErr code = 1;
-    const void* table = nullptr;
-};
-Desk desk;
+constexpr char kItem[] = "AEGP Item Suite";
+constexpr char kText[] = "The caller's text";
 
-std::string entry(char sign, const char* name, int version) { return sign + (name + (" " + std::to_string(version))); }
-
-SPErr acquire(const char* name, std::int32_t version, const void** suite) {
-    const bool refuse = desk.log.size() == desk.refused;
-    desk.log.push_back(entry('+', name, version));
-    *suite = refuse ? desk.table : &kSuite;
-    return refuse ? desk.code : PF_Err_NONE;
+PF_Err nested(In in, Out) {
+    const SuiteScoper<AEGP_LayerSuite5> outer(in, "AEGP Layer Suite", 11);
+    const Item inner(in->pica_basicP, kItem, 10);
+    return inner.mSuite != nullptr && outer.mSuite != nullptr ? 0 : -1;
 }
-
-SPErr release(const char* name, std::int32_t version) {
-    desk.log.push_back(entry('-', name, version));
-    return 1;
+template <const char*... text> PF_Err shown(In in, Out out) {
+    return Item(in, kItem, 10, out, text...).mSuite == nullptr;
 }
-
-class SuiteScoperTest : public testing::Test {
-protected:
-    using Log = std::vector<std::string>;
-
-    SuiteScoperTest() {
-        desk = {};
-        mUtilities.ansi.sprintf = std::sprintf;
-        mIn.utils = &mUtilities;
-        mIn.pica_basicP = &mBasicSuite;
-        mOut.out_flags = 0x41;
-    }
-
-    void expectMessage(const char* text) const {
-        EXPECT_STREQ(text, mOut.return_msg);
-        EXPECT_EQ(0x41 | PF_OutFlag_DISPLAY_ERROR_MESSAGE, mOut.out_flags);
-    }
-    void expectSilence() const {
-        EXPECT_STREQ("", mOut.return_msg);
-        EXPECT_EQ(0x41, mOut.out_flags);
-    }
-    void expectThirteen(const std::function<void()>& acquisition) const {
-        try {
-            acquisition();
-            ADD_FAILURE() << "the refusal passed";
-        } catch (std::int32_t error) {
-            EXPECT_EQ(13, error);
-        }
-    }
-
-    SPBasicSuite mBasicSuite{acquire, release};
-    PF_UtilCallbacks mUtilities{};
-    PF_InData mIn{};
-    PF_OutData mOut{};
-};
-
-TEST_F(SuiteScoperTest, HoldsNestedSuitesAndReleasesThemUnderTheirOwnNames) {
-    {
-        const SuiteScoper<Suite> outer(&mIn, "Outer", 11);
-        const SuiteScoper<Suite> inner(&mBasicSuite, "Inner", 2);
-        EXPECT_EQ(&kSuite, outer.mSuite);
-        EXPECT_EQ(&kSuite, inner.mSuite);
-    }
-    EXPECT_EQ((Log{"+Outer 11", "+Inner 2", "-Inner 2", "-Outer 11"}), desk.log);
-}
-
-TEST_F(SuiteScoperTest, ThrowsOnARefusalAndReleasesOnlyWhatItHeld) {
-    desk.refused = 1;
-    desk.table = &kSuite; // A refusal is one whatever comes with it.
-    expectThirteen([&] {
-        const SuiteScoper<Suite> held(&mIn, "Held", 1);
-        const SuiteScoper<Suite> refused(&mIn, "Refused", 1);
-    });
-    EXPECT_EQ((Log{"+Held 1", "+Refused 1", "-Held 1"}), desk.log);
-    desk.refused = 3;
-    expectThirteen([&] { const SuiteScoper<Suite> refused(&mBasicSuite, "Refused", 1); });
-    mIn.pica_basicP = nullptr;
-    expectThirteen([&] { const SuiteScoper<Suite> noDesk(&mIn, "Refused", 1); });
-    EXPECT_EQ(4U, desk.log.size());
-}
-
-TEST_F(SuiteScoperTest, ShowsARefusalWhereItCan) {
-    for (const char* text : {"The caller's text", static_cast<const char*>(nullptr)}) {
-        desk = {.refused = 0};
-        expectThirteen([&] { const SuiteScoper<Suite> refused(&mIn, "Refused", 1, &mOut, text); });
-        expectMessage(text != nullptr ? text : "Not able to acquire AEFX Suite.");
-    }
-}
-
-// The scoper believes the host's code, the free function believes the table.
-TEST_F(SuiteScoperTest, DiffersFromTheFreeFunctionInWhatItBelieves) {
+PF_Err called(In in, Out) { return Item(in, kItem, 10).operator->() == nullptr; }
+template <const char* text = nullptr> PF_Err acquire(In in, Out out) {
     void* table = nullptr;
-    desk = {.refused = 0, .code = PF_Err_NONE, .table = nullptr};
-    { EXPECT_EQ(nullptr, (SuiteScoper<Suite>(&mIn, "Null", 3, &mOut).mSuite)); }
-    EXPECT_EQ((Log{"+Null 3"}), desk.log);
-    desk = {.refused = 0, .code = 1, .table = &kSuite};
-    EXPECT_EQ(PF_Err_NONE, AcquireSuite(&mIn, &mOut, "Odd", 3, nullptr, &table));
-    EXPECT_EQ(&kSuite, table);
-    expectSilence();
-    desk = {.refused = 0, .code = PF_Err_NONE, .table = nullptr};
-    table = nullptr;
-    EXPECT_EQ(516, AcquireSuite(&mIn, &mOut, "Null", 3, "The caller's text", &table));
-    expectMessage("The caller's text");
+    return AcquireSuite(in, out, kItem, 10, text, &table);
 }
-
-TEST_F(SuiteScoperTest, FreeFunctionsFailWithAMessageWithoutADesk) {
-    mIn.pica_basicP = nullptr;
-    void* table = nullptr;
-    EXPECT_EQ(516, AcquireSuite(&mIn, &mOut, "Some Suite", 7, nullptr, &table));
-    expectMessage("Not able to acquire AEFX Suite-Some Suite-7");
-    EXPECT_EQ(516, ReleaseSuite(&mIn, &mOut, "Some Suite", 7, "The caller's text"));
-    expectMessage("The caller's text");
-    mOut.out_flags = 0x41;
-    EXPECT_EQ(PF_Err_NONE, ReleaseDrawbotSuites(&mIn, &mOut));
-    expectMessage("Not able to release AEFX Suite.");
-}
-
-TEST_F(SuiteScoperTest, AcquiresAndReleasesTheDrawingFamily) {
+PF_Err release(In in, Out out) { return ReleaseSuite(in, out, kItem, 10, kText); }
+PF_Err acquireAndRelease(In in, Out out) { return acquire(in, out) + release(in, out); }
+PF_Err draw(In in, Out out) {
     DRAWBOT_Suites suites{};
-    EXPECT_EQ(PF_Err_NONE, AcquireDrawbotSuites(&mIn, &mOut, &suites));
-    EXPECT_TRUE(suites.draw != nullptr && suites.supplier != nullptr && suites.surface != nullptr &&
-                suites.path != nullptr);
-    EXPECT_EQ(PF_Err_NONE, ReleaseDrawbotSuites(&mIn, &mOut));
-    expectSilence();
-    EXPECT_EQ((Log{"+DRAWBOT Draw Suite 1", "+DRAWBOT Supplier Suite 1", "+DRAWBOT Surface Suite 2",
-                   "+DRAWBOT Path Suite 1", "-DRAWBOT Draw Suite 1", "-DRAWBOT Supplier Suite 1",
-                   "-DRAWBOT Surface Suite 2", "-DRAWBOT Path Suite 1"}),
-              desk.log);
+    const PF_Err error = AcquireDrawbotSuites(in, out, &suites);
+    return error != 0 ? error : ReleaseDrawbotSuites(in, out);
+}
+PF_Err drawNowhere(In in, Out out) { return AcquireDrawbotSuites(in, out, nullptr); }
+/// The same in a host that has no suites.
+template <PF_Err (*use)(In, Out)> PF_Err alone(In in, Out out) {
+    in->pica_basicP = nullptr;
+    return use(in, out);
 }
 
-TEST_F(SuiteScoperTest, StopsAtTheFirstMissingSuiteOfTheDrawingFamily) {
-    for (std::size_t refused = 0; refused < 4; ++refused) {
-        desk = {.refused = refused};
-        DRAWBOT_Suites suites{};
-        EXPECT_EQ(516, AcquireDrawbotSuites(&mIn, &mOut, &suites));
-        EXPECT_EQ(refused + 1, desk.log.size()) << "asked on, or gave some back";
-        EXPECT_EQ(refused > 0, suites.draw != nullptr);
-        EXPECT_EQ(refused > 1, suites.supplier != nullptr);
-        EXPECT_EQ(refused > 2, suites.surface != nullptr);
+const Fault kNone{.call = "none"};
+const Fault kNoItem{.call = "AcquireSuite AEGP Item Suite"};
+const Fault kNullItem{.call = "AcquireSuite AEGP Item Suite", .kind = FaultKind::GiveNothing};
+const Fault kItemAndError{.call = "AcquireSuite AEGP Item Suite", .kind = FaultKind::Misreport};
+const Fault kNoSuite{.call = "AcquireSuite", .nth = 0};
+const Fault kNoRelease{.call = "ReleaseSuite", .nth = 0};
+constexpr const char* kNoItemText = "Not able to acquire AEFX Suite-AEGP Item Suite-10";
+
+/// A use of suites while calls of the host fail: what it returns or throws, what the user is shown, the host's calls (+
+/// for an acquisition, - for a release), and how many suites stay held.
+const struct {
+    Fault fault;
+    PF_Err (*use)(In, Out);
+    PF_Err result;
+    std::string message, calls;
+    std::size_t held = 0;
+} kUses[] = {
+    {kNone, nested, 0, "", "+Layer +Item -Item -Layer "},
+    {kNoItem, nested, 13, "", "+Layer +Item -Layer "},
+    {kItemAndError, nested, 13, "", "+Layer +Item -Layer "},
+    {kNullItem, nested, -1, "", "+Layer +Item -Layer "},
+    {kNoRelease, nested, 0, "", "+Layer +Item -Item -Layer "},
+    {kNone, alone<nested>, 13, "", ""},
+    {kNoItem, shown<>, 13, "Not able to acquire AEFX Suite.", "+Item sprintf "},
+    {kNoItem, shown<kText>, 13, kText, "+Item sprintf "},
+    {kNullItem, called, 13, "", "+Item "},
+    {kNone, acquire, 0, "", "+Item ", 1},
+    {kItemAndError, acquire, 0, "", "+Item "},
+    {kNullItem, acquire, 516, kNoItemText, "+Item sprintf "},
+    {kNone, alone<acquire>, 516, kNoItemText, "sprintf "},
+    {kNoItem, acquire<kText>, 516, kText, "+Item sprintf "},
+    {kNoRelease, acquireAndRelease, 0, "", "+Item -Item "},
+    {kNone, alone<release>, 516, kText, "sprintf "},
+    {kNone, draw, 0, "", "+Draw +Supplier +Surface +Path -Draw -Supplier -Surface -Path "},
+    {kNoSuite, draw, 516, "Not able to acquire AEFX Suite-DRAWBOT Draw Suite-1", "+Draw sprintf "},
+    {Fault{.nth = 3}, draw, 516, "Not able to acquire AEFX Suite-DRAWBOT Surface Suite-2",
+     "+Draw +Supplier +Surface sprintf ", 2},
+    {kNone, drawNowhere, 514, "NULL suite pointer passed to AEFX_AcquireDrawbotSuites", "sprintf "},
+    {kNone, alone<ReleaseDrawbotSuites>, 0, "Not able to release AEFX Suite.", "sprintf sprintf sprintf sprintf "},
+};
+
+std::string shortened(const std::vector<std::string>& calls) {
+    std::string text;
+    for (const std::string& call : calls)
+        text += call + ' ';
+    for (const std::string part : {"AcquireSuite ", "ReleaseSuite ", "AEGP ", "DRAWBOT ", "Suite "})
+        for (auto at = text.find(part); at != std::string::npos; at = text.find(part))
+            text.replace(at, part.size(), part[0] == 'R' ? "-" : part == "AcquireSuite " ? "+" : "");
+    return text;
+}
+
+TEST(SuiteScoper, EndsAsItShouldWhicheverCallFails) {
+    for (const auto& row : kUses) {
+        FaultPlan plan{row.fault};
+        HostCall call({.faults = &plan});
+        call.outData()->out_flags = 0x41;
+        PF_Err result = 0;
+        try {
+            result = row.use(call.inData(), call.outData());
+        } catch (std::int32_t thrown) {
+            result = thrown;
+        }
+        const std::string calls = shortened(plan.calls());
+        EXPECT_EQ(calls, row.calls);
+        EXPECT_EQ(result, row.result) << calls;
+        EXPECT_EQ(call.outData()->return_msg, row.message) << calls;
+        EXPECT_EQ(call.outData()->out_flags, row.message.empty() ? 0x41 : 0x41 | PF_OutFlag_DISPLAY_ERROR_MESSAGE);
+        EXPECT_EQ(call.findings().size(), row.held) << calls << testing::PrintToString(call.findings());
     }
-    expectMessage("Not able to acquire AEFX Suite-DRAWBOT Path Suite-1");
-    EXPECT_EQ(514, AcquireDrawbotSuites(&mIn, &mOut, nullptr));
-    expectMessage("NULL suite pointer passed to AEFX_AcquireDrawbotSuites");
+}
+
+TEST(SuiteScoper, EachMemberOfTheDrawingFamilyGetsItsOwnTable) {
+    HostCall call;
+    DRAWBOT_Suites suites{};
+    AcquireDrawbotSuites(call.inData(), call.outData(), &suites);
+    for (const auto& [member, name, version] :
+         {std::tuple<const void*, const char*, int>{suites.draw, "DRAWBOT Draw Suite", 1},
+          {suites.supplier, "DRAWBOT Supplier Suite", 1},
+          {suites.surface, "DRAWBOT Surface Suite", 2},
+          {suites.path, "DRAWBOT Path Suite", 1}}) {
+        const void* table = nullptr;
+        call.inData()->pica_basicP->AcquireSuite(name, version, &table);
+        EXPECT_EQ(member, table) << name;
+    }
 }
 
 } // namespace
