@@ -1,0 +1,217 @@
+#include "Plugins/Shared/GL/OpenglShader.h"
+#include "Plugins/Shared/Math/Affine.h"
+#include "Plugins/Shared/Math/Color.h"
+#include "Plugins/Shared/Math/Mat4.h"
+#include "Plugins/Shared/Math/Vec2.h"
+#include "Plugins/Shared/Math/Vec3.h"
+#include "Plugins/Shared/Math/Vec4.h"
+#include "Tests/Shared/GL/PipelineTest.h"
+
+#include <functional>
+#include <string>
+
+using namespace gl;
+
+namespace Ombrique::Tests {
+
+namespace {
+
+using namespace GaussianBlur;
+
+const std::string kVertex = "#version 330\nin float a1; in vec2 a2; in vec3 a3; in vec4 a4;"
+                            "void main() { gl_Position = a4 + vec4(a3, a1) + vec4(a2, a2); }";
+const std::string kFragment = "#version 330\nout vec4 c; uniform vec3 used; uniform float spare;"
+                              "void main() { c = vec4(used, 1.0); }";
+const std::string kGeometry = "#version 330\nlayout(points) in; layout(points, max_vertices = 1) out;"
+                              "void main() { gl_Position = gl_in[0].gl_Position; EmitVertex(); }";
+
+class ShaderTest : public PipelineTest {
+protected:
+    /// What useProgram prints.
+    static std::string use(OpenglShader& shader) {
+        testing::internal::CaptureStdout();
+        shader.useProgram();
+        std::fflush(stdout);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    static int livingObjects() {
+        return living([](unsigned name) { return glIsShader(name); }) +
+               living([](unsigned name) { return glIsProgram(name); });
+    }
+};
+
+TEST_F(ShaderTest, FailuresPrintOneLogEachTimeAndLeaveNothingBehind) {
+    const std::string broken = "#version 330\n" + std::string(3000, '!');
+    const std::string unlinked = "#version 330\nvoid other(); void main() { other(); }";
+    struct {
+        std::string start;
+        OpenglShader shader;
+    } rows[] = {{"Shader vert error:\n", {broken, broken}},
+                {"Shader frag error:\n", {kVertex, broken}},
+                {"Shader geo error:\n", {kVertex, kFragment, broken}},
+                {"Program error:\n", {unlinked, kFragment}}};
+    for (auto& [start, shader] : rows) {
+        SCOPED_TRACE(start);
+        const std::string text = use(shader);
+        EXPECT_TRUE(text.starts_with(start)) << text;
+        EXPECT_EQ(text.find(" error:\n", start.size()), std::string::npos) << text;
+        EXPECT_LE(text.size(), start.size() + 512 + 1);
+        EXPECT_EQ(use(shader), text);
+        EXPECT_EQ(integer(GL_CURRENT_PROGRAM), 0);
+        EXPECT_EQ(shader.getUniformLocation("used"), -1);
+        shader.setUniform3f("used", 1.0f, 2.0f, 3.0f);
+        shader.setAttribute3fv(0, nullptr, 0);
+        EXPECT_EQ(livingObjects(), 0);
+    }
+    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+}
+
+TEST_F(ShaderTest, AGeometryStageIsBuiltInWhenThereIsOne) {
+    {
+        OpenglShader shader(kVertex, kFragment, kGeometry);
+        EXPECT_EQ(use(shader), "");
+        EXPECT_EQ(livingObjects(), 1) << "the program alone";
+        int vertices = 0;
+        glGetProgramiv(static_cast<unsigned>(integer(GL_CURRENT_PROGRAM)), GL_GEOMETRY_VERTICES_OUT, &vertices);
+        EXPECT_EQ(vertices, 1);
+    }
+    glUseProgram(0); // a program in use outlives its deletion
+    EXPECT_EQ(livingObjects(), 0);
+}
+
+TEST_F(ShaderTest, AttributesAreDescribed) {
+    OpenglShader shader(kVertex, kFragment);
+    for (const auto& [name, location] : {std::pair{"a4", 2}, {"a3", 7}, {"a1", 5}, {"a2", 3}, {"a4", 1}})
+        shader.addAttributeBinding(name, location); // the first for a name stays
+    ASSERT_EQ(use(shader), "");
+    std::array<unsigned, 2> names{};
+    glGenVertexArrays(1, &names[0]);
+    glBindVertexArray(names[0]);
+    glGenBuffers(1, &names[1]);
+    glBindBuffer(GL_ARRAY_BUFFER, names[1]); // so that pointers are offsets
+    const auto at = [](std::uintptr_t offset) { return reinterpret_cast<const float*>(offset); };
+    const struct {
+        const char* name;
+        std::function<void()> set;
+        int location;
+        int components;
+        GLenum type = GL_FLOAT;
+    } rows[] = {
+        {"1iv", [&] { shader.setAttribute1iv(9, reinterpret_cast<const int*>(at(40)), 48); }, 9, 1, GL_INT},
+        {"1fv", [&] { shader.setAttribute1fv(9, at(40), 48); }, 9, 1},
+        {"2fv", [&] { shader.setAttribute2fv(9, at(40), 48); }, 9, 2},
+        {"3fv", [&] { shader.setAttribute3fv(9, at(40), 48); }, 9, 3},
+        {"4fv", [&] { shader.setAttribute4fv(9, at(40), 48); }, 9, 4},
+        {"1fv by name", [&] { shader.setAttribute1fv("a1", at(40), 48); }, 5, 1},
+        {"2fv by name", [&] { shader.setAttribute2fv("a2", at(40), 48); }, 3, 2},
+        {"3fv by name", [&] { shader.setAttribute3fv("a3", at(40), 48); }, 7, 3},
+        {"4fv by name", [&] { shader.setAttribute4fv("a4", at(40), 48); }, 2, 4},
+    };
+    for (const auto& row : rows) {
+        const auto location = static_cast<unsigned>(row.location);
+        const auto state = [location](GLenum name) {
+            int value = 0;
+            glGetVertexAttribiv(location, name, &value);
+            return value;
+        };
+        row.set();
+        void* pointer = nullptr;
+        glGetVertexAttribPointerv(location, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
+        EXPECT_EQ(pointer, at(40)) << row.name;
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_ENABLED), 1) << row.name;
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_SIZE), row.components) << row.name;
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_TYPE), static_cast<int>(row.type)) << row.name;
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_STRIDE), 48) << row.name;
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_NORMALIZED), 0) << row.name;
+        shader.disableVertexAttributeArray(row.location);
+        EXPECT_EQ(state(GL_VERTEX_ATTRIB_ARRAY_ENABLED), 0) << row.name;
+        glVertexAttribPointer(location, 4, GL_SHORT, GL_TRUE, 0, nullptr); // another than any row
+    }
+    shader.setAttribute4fv("a4", at(0), 16);
+    shader.disableVertexAttributeArray("a4");
+    int enabled = 1;
+    glGetVertexAttribiv(2, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+    EXPECT_EQ(enabled, 0);
+
+    shader.setAttribute1iv(-1, nullptr, 4);
+    shader.setAttribute1fv(-1, nullptr, 4);
+    shader.setAttribute4fv(-1, nullptr, 4);
+    shader.setAttribute4fv("never there", nullptr, 16);
+    shader.disableVertexAttributeArray("never there");
+    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+    shader.setAttribute2fv(-1, nullptr, 8); // handed on
+    EXPECT_EQ(glGetError(), GL_INVALID_VALUE);
+    shader.setAttribute3fv(-1, nullptr, 8);
+    EXPECT_EQ(glGetError(), GL_INVALID_VALUE);
+}
+
+TEST_F(ShaderTest, UniformsArriveInTheirOrder) {
+    OpenglShader shader(
+        "#version 330\nvoid main() { gl_Position = vec4(0); }",
+        "#version 330\nout vec4 c; uniform float f1; uniform vec2 f2; uniform vec3 f3; uniform vec4 f4;"
+        "uniform int i1; uniform ivec2 i2; uniform ivec3 i3; uniform ivec4 i4;"
+        "uniform float fv1[2]; uniform vec2 fv2[2]; uniform vec3 fv3[2]; uniform vec4 fv4[2];"
+        "uniform int iv1[2]; uniform ivec2 iv2[2]; uniform ivec3 iv3[2]; uniform ivec4 iv4[2];"
+        "uniform mat3 m3[2]; uniform mat4 m4; uniform float spare; uniform sampler2D t;"
+        "void main() { c = vec4(f1 + fv1[1] + float(i1 + iv1[1])) + (f2 + fv2[1] + vec2(i2 + iv2[1])).xyxy +"
+        "(m3[0] * m3[1] * (f3 + fv3[1] + vec3(i3 + iv3[1]))).xyzx + m4 * (f4 + fv4[1] + vec4(i4 + iv4[1])) +"
+        "texture(t, f2); }");
+    ASSERT_EQ(use(shader), "");
+    const float floats[] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const int integers[] = {9, 10, 11, 12, 13, 14, 15, 16};
+    Affine affines[] = {Affine(1, 2, 3, 4, 5, 6), Affine(-7, 8, 9, -10, 11, 12)};
+    const Mat4 rows(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 17, false);
+    const struct {
+        const char* uniform;
+        std::function<void()> set;
+        std::vector<float> value; // matrices column by column, as OpenGL keeps them
+    } cases[] = {
+        {"f1", [&] { shader.setUniform1f("f1", 1); }, {1}},
+        {"f2", [&] { shader.setUniform2f("f2", 1, 2); }, {1, 2}},
+        {"f3", [&] { shader.setUniform3f("f3", 1, 2, 3); }, {1, 2, 3}},
+        {"f4", [&] { shader.setUniform4f("f4", 1, 2, 3, 4); }, {1, 2, 3, 4}},
+        {"i1", [&] { shader.setUniform1i("i1", 1); }, {1}},
+        {"i2", [&] { shader.setUniform2i("i2", 1, 2); }, {1, 2}},
+        {"i3", [&] { shader.setUniform3i("i3", 1, 2, 3); }, {1, 2, 3}},
+        {"i4", [&] { shader.setUniform4i("i4", 1, 2, 3, 4); }, {1, 2, 3, 4}},
+        {"fv1[1]", [&] { shader.setUniform1fv("fv1", floats, 2); }, {2}},
+        {"fv2[1]", [&] { shader.setUniform2fv("fv2", floats, 2); }, {3, 4}},
+        {"fv3[1]", [&] { shader.setUniform3fv("fv3", floats, 2); }, {4, 5, 6}},
+        {"fv4[1]", [&] { shader.setUniform4fv("fv4", floats, 2); }, {5, 6, 7, 8}},
+        {"iv1[1]", [&] { shader.setUniform1iv("iv1", integers, 2); }, {10}},
+        {"iv2[1]", [&] { shader.setUniform2iv("iv2", integers, 2); }, {11, 12}},
+        {"iv3[1]", [&] { shader.setUniform3iv("iv3", integers, 2); }, {12, 13, 14}},
+        {"iv4[1]", [&] { shader.setUniform4iv("iv4", integers, 2); }, {13, 14, 15, 16}},
+        {"f2", [&] { shader.setUniform2f("f2", Vec2(0.1, 2.5)); }, {0.1f, 2.5f}},
+        {"f3", [&] { shader.setUniform3f("f3", Vec3(0.1, 2.5, -3)); }, {0.1f, 2.5f, -3}},
+        {"f4", [&] { shader.setUniform4f("f4", Vec4(0.1, 2.5, -3, 4)); }, {0.1f, 2.5f, -3, 4}},
+        {"f4", [&] { shader.setUniform4f("f4", Color(0.5, 0.25, 0.75, 0.125)); }, {0.5, 0.25, 0.75, 0.125}},
+        {"m3[0]", [&] { shader.setUniformMatrix3f("m3", affines, 2); }, {1, 2, 0, 3, 4, 0, 5, 6, 1}},
+        {"m3[1]", [] {}, {-7, 8, 0, 9, -10, 0, 11, 12, 1}},
+        {"m4",
+         [&] { shader.setUniformMatrix4f("m4", rows, 1); },
+         {1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15, 4, 8, 12, 17}},
+    };
+    const auto program = static_cast<unsigned>(integer(GL_CURRENT_PROGRAM));
+    for (const auto& row : cases) {
+        row.set();
+        std::vector<float> value(16);
+        glGetUniformfv(program, shader.getUniformLocation(row.uniform), value.data());
+        value.resize(row.value.size());
+        EXPECT_EQ(value, row.value) << row.uniform;
+    }
+    shader.setUniformTexture("t", static_cast<int>(GL_TEXTURE_2D), 0, 3);
+    int unit = 0;
+    glGetUniformiv(program, shader.getUniformLocation("t"), &unit);
+    EXPECT_EQ(unit, 3);
+    EXPECT_EQ(integer(GL_ACTIVE_TEXTURE), static_cast<int>(GL_TEXTURE3));
+    shader.setUniform1f("spare", 1.0f); // optimised away
+    shader.setUniform1f("never there", 1.0f);
+    EXPECT_EQ(glGetError(), GL_NO_ERROR);
+    EXPECT_DEBUG_DEATH(shader.setUniformMatrix4f("m4", rows, 2), "one matrix");
+}
+
+} // namespace
+
+} // namespace Ombrique::Tests
