@@ -32,12 +32,12 @@ FrameThread::FrameThread(const PluginBundle& bundle) {
     std::promise<void> ready;
     {
         const SignalsBlocked signalsBlocked;
-        mThread = std::jthread([&](const std::stop_token& stop) { run(stop, bundle, ready); });
+        mThread = std::jthread([&] { run(bundle, ready); });
     }
     ready.get_future().get();
 }
 
-void FrameThread::run(const std::stop_token& stop, const PluginBundle& bundle, std::promise<void>& ready) {
+void FrameThread::run(const PluginBundle& bundle, std::promise<void>& ready) {
     divertStandardOutputOfThisThread();
     Effect effect(bundle);
     try {
@@ -51,7 +51,26 @@ void FrameThread::run(const std::stop_token& stop, const PluginBundle& bundle, s
         return;
     }
     ready.set_value();
-    mQueue.serve(stop, effect);
+    serve(effect);
+}
+
+void FrameThread::serve(Effect& effect) {
+    std::unique_lock lock(mMutex);
+    do {
+        const std::stop_token stop = mUse.get_token();
+        lock.unlock();
+        mQueue.serve(stop, effect);
+        lock.lock();
+    } while (mReclaimed.wait_for(lock, kKept, [this] { return !mUse.stop_requested(); }));
+    mEnded = true;
+}
+
+bool FrameThread::reclaim() {
+    const std::lock_guard lock(mMutex);
+    if (!mEnded && mUse.stop_requested())
+        mUse = std::stop_source();
+    mReclaimed.notify_one();
+    return !mEnded;
 }
 
 } // namespace Ombrique::Hosts

@@ -3,6 +3,7 @@
 #include "Hosts/Bundle/BundleLocation.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <dlfcn.h>
 
 namespace Ombrique::Hosts {
@@ -33,7 +34,7 @@ void SharedEffect::close() {
     const std::lock_guard lock(mMutex);
     if (mOpened > 0)
         --mOpened;
-    endThreadWhereUnused();
+    releaseThreadWhereUnused();
 }
 
 const EffectDescription& SharedEffect::description() {
@@ -44,8 +45,11 @@ const EffectDescription& SharedEffect::description() {
 FrameThread& SharedEffect::enter() {
     const std::lock_guard lock(mMutex);
     load();
-    if (!mFrameThread)
+    if (!reclaimThread())
         mFrameThread = std::make_unique<FrameThread>(*mBundle);
+    // Once the driver is loaded, so that this comes before the driver's own end.
+    static const int atExit = std::atexit([] { instance().stayUntilExit(); });
+    (void)atExit;
     ++mInstances;
     return *mFrameThread;
 }
@@ -53,7 +57,7 @@ FrameThread& SharedEffect::enter() {
 void SharedEffect::leave() {
     const std::lock_guard lock(mMutex);
     --mInstances;
-    endThreadWhereUnused();
+    releaseThreadWhereUnused();
 }
 
 void SharedEffect::report(const char* text) noexcept { std::fprintf(stderr, "ombrique_contrast: %s\n", text); }
@@ -67,10 +71,22 @@ const EffectDescription& SharedEffect::load() {
     return *mDescription;
 }
 
-void SharedEffect::endThreadWhereUnused() {
-    // Under the lock: the next thread's set-up must not meet this one's set-down.
-    if (mOpened == 0 && mInstances == 0)
+bool SharedEffect::reclaimThread() {
+    // The next thread's set-up must not meet this one's set-down.
+    if (mFrameThread && !mFrameThread->reclaim())
         mFrameThread.reset();
+    return mFrameThread != nullptr;
+}
+
+void SharedEffect::releaseThreadWhereUnused() {
+    if (mFrameThread && mOpened == 0 && mInstances == 0)
+        mFrameThread->release();
+}
+
+void SharedEffect::stayUntilExit() {
+    const std::lock_guard lock(mMutex);
+    reclaimThread();
+    ++mInstances;
 }
 
 } // namespace Ombrique::Hosts

@@ -10,8 +10,9 @@
 namespace Ombrique::Hosts {
 
 /// What all instances in a process share: the plug-in's bundle, loaded once and never unloaded, and the thread that
-/// renders. The thread starts with the first instance, and ends when the last instance is gone and the tool has called
-/// f0r_deinit as often as f0r_init. Any thread may call, several at once.
+/// renders. The thread starts with the first instance. It is released when the last instance is gone and the tool has
+/// called f0r_deinit as often as f0r_init, and ends FrameThread::kKept later, unless an instance was made meanwhile or
+/// the process exits. Any thread may call, several at once.
 class SharedEffect {
 public:
     /// Never destroyed: tools exit without notice, with frames under way.
@@ -37,7 +38,11 @@ private:
     FrameThread& enter();
     void leave();
     const EffectDescription& load();
-    void endThreadWhereUnused();
+    /// Whether the thread is there to be used; one that has ended is cleared away.
+    bool reclaimThread();
+    void releaseThreadWhereUnused();
+    /// Keeps a set-down from meeting the end of the process, which takes the driver apart.
+    void stayUntilExit();
 
     std::mutex mMutex;
     std::optional<PluginBundle> mBundle;
