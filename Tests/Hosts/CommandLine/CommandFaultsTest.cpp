@@ -1,6 +1,6 @@
 #include "Tests/Hosts/CommandLine/FailingNew.h"
 #include "Tests/Hosts/CommandLine/ProgramRun.h"
-#include "Tests/Hosts/CommandLine/TestPicture.h"
+#include "Tests/Hosts/Pictures/PictureFile.h"
 #include "Tests/Support/PixelOracle.h"
 
 #include <gtest/gtest.h>
@@ -82,7 +82,7 @@ class CommandFaults : public testing::TestWithParam<std::size_t> {
 protected:
     CommandFaults() {
         for (const char* name : {"a.1.png", "a.3.png"})
-            writeTestPicture(folder / name, picture, {});
+            writePictureFile(folder / name, picture, {});
         writeFile(folder / "a.2.png", "no picture");
     }
 
@@ -111,7 +111,7 @@ protected:
         if (!file || output == "sheet.png")
             return file != nullptr;
         file->close();
-        return compareWithOracle(picture, readTestPicture(folder / output, {}), {1.2, 0.0}).empty();
+        return compareWithOracle(picture, readPictureFile(folder / output, {}), {1.2, 0.0}).empty();
     }
 
     /// What is wrong with the last run's end; nothing where it is sound.

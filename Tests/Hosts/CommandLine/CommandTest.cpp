@@ -1,5 +1,5 @@
 #include "Tests/Hosts/CommandLine/ProgramRun.h"
-#include "Tests/Hosts/CommandLine/TestPicture.h"
+#include "Tests/Hosts/Pictures/PictureFile.h"
 #include "Tests/Support/PixelOracle.h"
 
 #include <gtest/gtest.h>
@@ -32,9 +32,9 @@ std::string fitsHeader(const std::string& bitsPerSample, const std::string& heig
 class Command : public testing::Test {
 protected:
     Command() {
-        writeTestPicture(folder / "good.png", makePicture(31, 17, 5), {});
-        writeTestPicture(folder / "good.jpg", makePicture(31, 17, 5, true), {3});
-        writeTestPicture(folder / "wide.png", Hosts::World(40000, 1), {1});
+        writePictureFile(folder / "good.png", makePicture(31, 17, 5), {});
+        writePictureFile(folder / "good.jpg", makePicture(31, 17, 5, true), {"RGB"});
+        writePictureFile(folder / "wide.png", Hosts::World(40000, 1), {"Y"});
         writeFile(folder / "vast.ppm", "P6 100000 100000 255\n"); // 40 GB of pixels, if they were there
         writeFile(folder / "void.fits", fitsHeader("8", "-1"));
         writeFile(folder / "odd.fits", fitsHeader("-3", "3"));
@@ -119,7 +119,7 @@ TEST_F(Command, KeepsAnExistingOutputUnlessItIsDone) {
 
     std::filesystem::permissions(folder / "out.png", std::filesystem::perms(0640));
     EXPECT_EQ(run({"/good.png", "/out.png"}).status, 0);
-    EXPECT_EQ(readTestPicture(folder / "out.png", {}).width(), 31);
+    EXPECT_EQ(readPictureFile(folder / "out.png", {}).width(), 31);
     EXPECT_EQ(std::filesystem::status(folder / "out.png").permissions(), std::filesystem::perms(0640));
 }
 
@@ -131,7 +131,7 @@ TEST_F(Command, WritesThroughALinkOverItsOwnInputAndAfterAKilledRun) {
     names.erase(".good.png.partial.png");
     EXPECT_EQ(run({"/good.png", "/link.png", "--contrast", "0"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.png"));
-    EXPECT_EQ(compareWithOracle(makePicture(31, 17, 5), readTestPicture(folder / "good.png", {}), {0.0, 0.0}), "");
+    EXPECT_EQ(compareWithOracle(makePicture(31, 17, 5), readPictureFile(folder / "good.png", {}), {0.0, 0.0}), "");
     EXPECT_EQ(folder.names(), names);
 }
 

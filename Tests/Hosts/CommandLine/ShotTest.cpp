@@ -1,5 +1,5 @@
 #include "Tests/Hosts/CommandLine/ProgramRun.h"
-#include "Tests/Hosts/CommandLine/TestPicture.h"
+#include "Tests/Hosts/Pictures/PictureFile.h"
 #include "Tests/Support/PixelOracle.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ protected:
 
     void makeShot(int frames) {
         for (int frame = kFirst; frame < kFirst + frames; ++frame)
-            writeTestPicture(input(frame), pictureOf(frame), {});
+            writePictureFile(input(frame), pictureOf(frame), {});
     }
     static Hosts::World pictureOf(int frame) { return makePicture(kWidth, kHeight, static_cast<unsigned>(frame)); }
     std::string input(int frame) const { return folder / ("in." + std::to_string(10000 + frame).substr(1) + ".png"); }
@@ -38,7 +38,7 @@ protected:
         return runProgram(arguments);
     }
     void expectFrame(int frame, double contrast, double brightness) const {
-        EXPECT_EQ(compareWithOracle(pictureOf(frame), readTestPicture(output(frame), {}), {contrast, brightness}), "")
+        EXPECT_EQ(compareWithOracle(pictureOf(frame), readPictureFile(output(frame), {}), {contrast, brightness}), "")
             << "frame " << frame;
     }
 
@@ -82,13 +82,13 @@ TEST_F(Shot, SkipsWhatIsThereAndTakesOnePictureForAll) {
 
     const ProgramRun held = runProgram({input(8), folder / "held.@@.png", "--frames", "1-3", "--contrast", "1:1,3:3"});
     EXPECT_EQ(held.status, 0) << held.messages;
-    EXPECT_EQ(compareWithOracle(pictureOf(8), readTestPicture(folder / "held.02.png", {}), {2.0, 0.0}), "");
+    EXPECT_EQ(compareWithOracle(pictureOf(8), readPictureFile(folder / "held.02.png", {}), {2.0, 0.0}), "");
 }
 
 TEST_F(Shot, SaysOnceWhatIsLost) {
     for (int frame = 1; frame <= 5; ++frame)
-        writeTestPicture(folder / ("deep" + std::to_string(frame) + ".tif"), pictureOf(frame),
-                         {4, OIIO::TypeDesc::UINT16});
+        writePictureFile(folder / ("deep" + std::to_string(frame) + ".tif"), pictureOf(frame),
+                         {"RGBA", OIIO::TypeDesc::UINT16});
     const ProgramRun result = runProgram({folder / "deep#.tif", folder / "flat#.tif"});
     EXPECT_EQ(result.status, 0);
     const std::size_t first = result.messages.find("rounded to 8 bits");
@@ -198,7 +198,7 @@ TEST_F(Shot, StopsAtASignalAfterWhatIsUnderWay) {
 TEST_F(Shot, ComparesSideBySide) {
     makeShot(1);
     ASSERT_EQ(run({"--compare", "--contrast", "2"}).status, 0);
-    const Hosts::World both = readTestPicture(output(8), {});
+    const Hosts::World both = readPictureFile(output(8), {});
     ASSERT_EQ(both.width(), 2 * kWidth + 2);
     Hosts::World before(kWidth, kHeight);
     Hosts::World after(kWidth, kHeight);
@@ -214,11 +214,11 @@ TEST_F(Shot, ComparesSideBySide) {
 TEST_F(Shot, ContactSheetHasAPictureForEachPairOfValues) {
     Hosts::World flat(kWidth, kHeight);
     flat.fill(PF_Pixel8{255, 100, 100, 100});
-    writeTestPicture(input(8), flat, {});
+    writePictureFile(input(8), flat, {});
     ASSERT_EQ(
         runProgram({input(8), "--sheet", folder / "sheet.png", "--contrast", "0,1", "--brightness", "0,10,20"}).status,
         0);
-    const Hosts::World sheet = readTestPicture(folder / "sheet.png", {3});
+    const Hosts::World sheet = readPictureFile(folder / "sheet.png", {"RGB"});
     // Cells are as wide as their labels at least, with their pictures in the middle.
     const int columnWidth = sheet.width() / 2;
     const int rowHeight = sheet.height() / 3;
@@ -239,7 +239,7 @@ TEST_F(Shot, ContactSheetHasAPictureForEachPairOfValues) {
 TEST_F(Shot, KeepsTheCompressionOfTheFormatOrTakesTheOneAskedFor) {
     OIIO::ImageSpec metadata;
     metadata.attribute("compression", "piz");
-    writeTestPicture(folder / "in.exr", pictureOf(1), {4, OIIO::TypeDesc::HALF, true}, metadata);
+    writePictureFile(folder / "in.exr", pictureOf(1), {"RGBA", OIIO::TypeDesc::HALF, true}, metadata);
     const auto compressionOf = [&](const char* name) {
         const auto file = OIIO::ImageInput::open(folder / name);
         return file ? std::string(file->spec().get_string_attribute("compression")) : OIIO::geterror();
@@ -250,7 +250,7 @@ TEST_F(Shot, KeepsTheCompressionOfTheFormatOrTakesTheOneAskedFor) {
     EXPECT_EQ(compressionOf("out.exr"), "zips");
     // A level that nobody would choose for its speed shows in the size.
     Hosts::World noise = makePicture(400, 300, 5);
-    writeTestPicture(input(8), noise, {});
+    writePictureFile(input(8), noise, {});
     ASSERT_EQ(run({"--compression", "fixed:0"}).status, 0);
     EXPECT_GT(std::filesystem::file_size(output(8)), 400u * 300u * 4u);
 }

@@ -2,7 +2,7 @@
 #include "Hosts/Shots/FramePattern.h"
 #include "Hosts/Shots/FrameRanges.h"
 #include "Hosts/Shots/Keyframes.h"
-#include "Tests/Hosts/CommandLine/ProgramRun.h"
+#include "Tests/Hosts/Pictures/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,230 @@
+#include "Hosts/Pictures/PictureReader.h"
+#include "Hosts/Pictures/PictureWriter.h"
+#include "Tests/Hosts/Pictures/PictureFile.h"
+#include "Tests/Hosts/Pictures/ScratchFolder.h"
+#include "Tests/Support/PixelOracle.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <numeric>
+
+namespace Ombrique::Tests {
+
+namespace {
+
+using namespace Hosts;
+
+constexpr int kLongestSide = 16384;
+
+struct Copy {
+    World pixels;
+    /// What couldn't be kept, all of it.
+    std::string losses;
+};
+
+/// Reads a picture and writes what came out.
+Copy copyPicture(const std::string& input, const std::string& output, const std::string& compression = {}) {
+    PictureReader reader(input, kLongestSide);
+    World pixels(reader.width(), reader.height());
+    reader.read(pixels);
+    std::vector<std::string> losses = reader.origin().losses;
+    std::ranges::move(PictureWriter(output, compression).write(pixels, reader.origin()), std::back_inserter(losses));
+    return {std::move(pixels), OIIO::Strutil::join(losses, "; ")};
+}
+
+/// A picture that 8-bit samples hold exactly, multiplied by alpha or not.
+World makeExactPicture(int width, int height) {
+    World picture = makePicture(width, height, 11);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            auto pixel = picture.pixel<PF_Pixel8>(x, y);
+            const int third = (x + y) % 4;
+            pixel.alpha = static_cast<std::uint8_t>(third * 85);
+            for (std::uint8_t* const colour : {&pixel.red, &pixel.green, &pixel.blue})
+                *colour = third == 0 ? std::uint8_t{0} : static_cast<std::uint8_t>(*colour / 3 * 3);
+            picture.setPixel(x, y, pixel);
+        }
+    return picture;
+}
+
+const PictureForm kGrey{"Y"};
+const PictureForm kGreyAlpha{"YA"};
+const PictureForm kRgb{"RGB"};
+const PictureForm kRgba{"RGBA"};
+const PictureForm kAssociated{"RGBA", OIIO::TypeDesc::UINT8, true};
+const PictureForm kExr{"RGBA", OIIO::TypeDesc::HALF, true};
+
+struct FormatCase {
+    const char* name;
+    const char* input;
+    PictureForm inputForm;
+    const char* output;
+    PictureForm outputForm;
+    /// A part of what is said to be lost; empty where nothing is.
+    const char* loss = "";
+};
+
+void PrintTo(const FormatCase& row, std::ostream* stream) { *stream << row.name; }
+
+class Formats : public testing::TestWithParam<FormatCase> {};
+
+// Wrong kinds of alpha, swapped or lost channels, and cut instead of rounded samples all show.
+TEST_P(Formats, AreReadAndWritten) {
+    const FormatCase& row = GetParam();
+    const ScratchFolder folder;
+    const bool isMultiplied = row.inputForm.associated || row.outputForm.associated;
+    // Some encoders refuse the very smallest pictures.
+    const World picture = asHeld(isMultiplied ? makeExactPicture(67, 41) : makePicture(67, 41, 11), row.inputForm);
+    writePictureFile(folder / row.input, picture, row.inputForm);
+    const Copy copy = copyPicture(folder / row.input, folder / row.output);
+    EXPECT_EQ(comparePixels(picture, copy.pixels), "") << "read";
+    EXPECT_EQ(comparePixels(picture, readPictureFile(folder / row.output, row.outputForm)), "") << "written";
+    EXPECT_NE(copy.losses.find(row.loss), std::string::npos) << copy.losses;
+    EXPECT_EQ(copy.losses.empty(), *row.loss == '\0') << copy.losses;
+}
+
+const FormatCase kFormats[] = {
+    {"GreyPng", "in.png", kGrey, "out.png", kGrey},
+    {"GreyAlphaPng", "in.png", kGreyAlpha, "out.png", kGreyAlpha},
+    {"RgbPng", "in.png", kRgb, "out.png", kRgb},
+    {"RgbaPng", "in.png", kRgba, "out.png", kRgba},
+    {"Deep16Png", "in.png", {"RGBA", OIIO::TypeDesc::UINT16}, "out.png", kRgba, "(uint16) are rounded to 8 bits"},
+    {"StraightTiffStaysStraight", "in.tif", kRgba, "out.tif", kRgba},
+    {"AssociatedTiffStaysAssociated", "in.tif", kAssociated, "out.tif", kAssociated},
+    {"AssociatedTiffToPng", "in.tif", kAssociated, "out.png", kRgba},
+    {"FloatTiff", "in.tif", {"RGBA", OIIO::TypeDesc::FLOAT}, "out.tif", kRgba, "(float) are rounded to 8 bits"},
+    {"ExrToPng", "in.exr", kExr, "out.png", kRgba, "(half) are rounded to 8 bits"},
+    {"PngToExr", "in.png", kRgba, "out.exr", kExr},
+    {"ExrWithDepth", "in.exr", {"RGBZ", OIIO::TypeDesc::HALF}, "out.png", kRgb, "other channels (Z) are left out"},
+    {"TargaToBmp", "in.tga", kRgba, "out.bmp", kRgba},
+    {"PngToJpeg2000", "in.png", kRgba, "out.jp2", kRgba},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, Formats, testing::ValuesIn(kFormats),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+/// A format whose files name their channels in an order of their own.
+class MixedChannels : public OIIO::ImageInput {
+public:
+    const char* format_name() const override { return "mixed"; }
+    bool open(const std::string& path, OIIO::ImageSpec& spec) override {
+        m_spec = OIIO::ImageSpec(2, 1, 5, OIIO::TypeDesc::UINT8);
+        m_spec.channelnames = {"Z", "b", "A", "G", "R"};
+        m_spec.alpha_channel = 2;
+        m_spec.attribute("oiio:UnassociatedAlpha", 1);
+        spec = m_spec;
+        return path.ends_with(".mixed");
+    }
+    bool read_native_scanline(int, int, int, int, void* samples) override {
+        std::iota(static_cast<std::uint8_t*>(samples), static_cast<std::uint8_t*>(samples) + 10, std::uint8_t{1});
+        return true;
+    }
+    bool close() override { return true; }
+};
+
+TEST(FormatsTest, ChannelsAreFoundByName) {
+    const char* extensions[] = {"mixed", nullptr};
+    OIIO::declare_imageio_format(
+        "mixed", [] { return static_cast<OIIO::ImageInput*>(new MixedChannels); }, extensions, nullptr, nullptr,
+        nullptr);
+    const ScratchFolder folder;
+    writeFile(folder / "in.mixed", "anything");
+    const Copy copy = copyPicture(folder / "in.mixed", folder / "out.png");
+    World expected(2, 1);
+    expected.setPixel(0, 0, PF_Pixel8{3, 5, 4, 2});
+    expected.setPixel(1, 0, PF_Pixel8{8, 10, 9, 7});
+    EXPECT_EQ(comparePixels(expected, copy.pixels), "");
+    EXPECT_EQ(comparePixels(expected, readPictureFile(folder / "out.png", kRgba)), "");
+}
+
+struct WindowCase {
+    const char* name;
+    /// Where the picture of 7 by 5 pixels lies.
+    int x, y;
+    OIIO::ROI display;
+    const char* output;
+    /// What the output holds, in the same coordinates.
+    OIIO::ROI data;
+    OIIO::ROI outputDisplay;
+};
+
+TEST(FormatsTest, WindowsAreKeptOrFilled) {
+    const WindowCase rows[] = {
+        {"crop", 2, 1, {0, 12, 0, 9}, "out.exr", {2, 9, 1, 6}, {0, 12, 0, 9}},
+        {"crop without a display window", 2, 1, {0, 12, 0, 9}, "out.png", {0, 12, 0, 9}, {0, 12, 0, 9}},
+        {"overscan", -2, -1, {0, 4, 0, 3}, "out.exr", {-2, 5, -1, 4}, {0, 4, 0, 3}},
+        {"overscan without a display window", -2, -1, {0, 4, 0, 3}, "out.png", {0, 4, 0, 3}, {0, 4, 0, 3}},
+        {"overscan without negative places", -2, -1, {0, 4, 0, 3}, "out.tif", {0, 4, 0, 3}, {0, 4, 0, 3}},
+        {"across an edge", -2, 2, {0, 4, 0, 4}, "out.png", {0, 4, 0, 4}, {0, 4, 0, 4}},
+        {"beside the display", 20, 2, {0, 4, 0, 4}, "out.png", {0, 4, 0, 4}, {0, 4, 0, 4}},
+    };
+    const World picture = makeExactPicture(7, 5);
+    for (const WindowCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        const ScratchFolder folder;
+        OIIO::ImageSpec windows;
+        windows.x = row.x;
+        windows.y = row.y;
+        windows.set_roi_full(row.display);
+        writePictureFile(folder / "in.exr", picture, kExr, windows);
+        copyPicture(folder / "in.exr", folder / row.output);
+        OIIO::ImageSpec spec = describePictureFile(folder / row.output);
+        spec.nchannels = row.data.nchannels();
+        EXPECT_EQ(spec.roi(), row.data);
+        EXPECT_EQ(spec.width, row.data.width());
+        EXPECT_EQ(spec.full_width, row.outputDisplay.width());
+        World expected(row.data.width(), row.data.height());
+        for (int y = row.data.ybegin; y < row.data.yend; ++y)
+            for (int x = row.data.xbegin; x < row.data.xend; ++x)
+                if (x >= row.x && x < row.x + 7 && y >= row.y && y < row.y + 5)
+                    expected.setPixel(x - row.data.xbegin, y - row.data.ybegin,
+                                      picture.pixel<PF_Pixel8>(x - row.x, y - row.y));
+        const bool isMultiplied = std::string(row.output) != "out.png";
+        EXPECT_EQ(comparePixels(expected, readPictureFile(folder / row.output, isMultiplied ? kAssociated : kRgba)),
+                  "");
+    }
+}
+
+TEST(FormatsTest, TranslucentPictureIsLaidOverBlackWhereTheFormatHasNoAlpha) {
+    const ScratchFolder folder;
+    World picture(7, 5);
+    picture.fill(PF_Pixel8{51, 200, 100, 50});
+    writePictureFile(folder / "in.png", picture, kRgba);
+    EXPECT_NE(copyPicture(folder / "in.png", folder / "out.ppm").losses.find("laid over black"), std::string::npos);
+    picture.fill(PF_Pixel8{255, 40, 20, 10});
+    EXPECT_EQ(comparePixels(picture, readPictureFile(folder / "out.ppm", kRgb)), "");
+}
+
+TEST(FormatsTest, MetadataComesAlong) {
+    const ScratchFolder folder;
+    OIIO::ImageSpec metadata;
+    metadata.attribute("ImageDescription", "shot 12");
+    metadata.attribute("PixelAspectRatio", 2.0f);
+    metadata.attribute("Exif:LensModel", "50 mm");
+    writePictureFile(folder / "in.tif", makePicture(7, 5, 1), kRgba, metadata);
+    copyPicture(folder / "in.tif", folder / "out.tif");
+    const OIIO::ImageSpec written = describePictureFile(folder / "out.tif");
+    EXPECT_EQ(written.get_string_attribute("ImageDescription"), "shot 12");
+    EXPECT_EQ(written.get_string_attribute("Exif:LensModel"), "50 mm");
+    EXPECT_EQ(written.get_float_attribute("PixelAspectRatio"), 2.0f);
+}
+
+TEST(FormatsTest, CompressionIsTheInputsOrTheOneAskedFor) {
+    const ScratchFolder folder;
+    OIIO::ImageSpec metadata;
+    metadata.attribute("compression", "piz");
+    writePictureFile(folder / "in.exr", makePicture(7, 5, 1), kExr, metadata);
+    for (const auto& [asked, used] : {std::pair{"", "piz"}, {"zips", "zips"}}) {
+        copyPicture(folder / "in.exr", folder / "out.exr", asked);
+        EXPECT_EQ(describePictureFile(folder / "out.exr").get_string_attribute("compression"), used);
+    }
+    // A level that nobody would choose for its speed shows in the size.
+    writePictureFile(folder / "in.png", makePicture(400, 300, 5), kRgba);
+    copyPicture(folder / "in.png", folder / "out.png", "fixed:0");
+    EXPECT_GT(std::filesystem::file_size(folder / "out.png"), 400u * 300u * 4u);
+}
+
+} // namespace
+
+} // namespace Ombrique::Tests
