@@ -77,15 +77,6 @@ TEST(Context, WritesItsIdentityInSixLines) {
                         "\nOpenGL Revision: " + std::to_string(glbinding::Meta::glRevision()) + " (gl.xml)\n\n");
 }
 
-TEST(Context, SharesTexturesWithItsGroupAlone) {
-    const AEOpenGLContext root(nullptr);
-    const unsigned texture = makeTexture();
-    const AEOpenGLContext sharing(&root);
-    EXPECT_EQ(readTexture(texture), kPixel);
-    const AEOpenGLContext alone(nullptr);
-    EXPECT_EQ(glIsTexture(texture), GL_FALSE);
-}
-
 /// What is drawn to is flushed before the switch, and nothing else.
 TEST(Context, FlushesWhatItLeaves) {
     const AEOpenGLContext second(nullptr);
@@ -215,23 +206,18 @@ TEST_P(SaveRestore, PutsTheHostsContextBackOnceAndOnlyWhenAsked) {
     EXPECT_EQ(CGLGetCurrentContext(), plugins) << "restored by the destructor";
 }
 
-TEST(SaveRestoreWithoutAHost, KeepsThePlatformsContextAliveUntilItIsBack) {
+TEST(SaveRestoreWithoutAHost, KeepsAliveWhatWasCurrentAndLeavesTheRest) {
+    CGLSetCurrentContext(nullptr);
+    SaveRestoreGLContextMac nothing;
     auto hosts = std::make_unique<AEOpenGLContext>(nullptr);
     NSOpenGLContext* const current = NSOpenGLContext::currentContext();
+    nothing.restore();
+    EXPECT_EQ(NSOpenGLContext::currentContext(), current);
     SaveRestoreGLContextMac saved;
-    const AEOpenGLContext context(nullptr);
+    const AEOpenGLContext plugins(nullptr);
     hosts.reset();
     saved.restore();
     EXPECT_EQ(NSOpenGLContext::currentContext(), current);
-}
-
-TEST(SaveRestoreWithoutAHost, LeavesThePluginsContextWhereNothingWasCurrent) {
-    CGLSetCurrentContext(nullptr);
-    SaveRestoreGLContextMac saved;
-    const AEOpenGLContext context(nullptr);
-    const CGLContextObj made = CGLGetCurrentContext();
-    saved.restore();
-    EXPECT_EQ(CGLGetCurrentContext(), made);
 }
 
 TEST(PerContext, KeepsAValueForEachContextUntilThatEnds) {
@@ -249,19 +235,6 @@ TEST(PerContext, KeepsAValueForEachContextUntilThatEnds) {
     EXPECT_EQ(secondValue.use_count(), 1) << "the value outlived its context";
     first.makeContextCurrent();
     EXPECT_EQ(values.current(), firstValue);
-}
-
-TEST(PerContext, ANewContextUnderAnOldHandleStartsAfresh) {
-    PerContext<int> values;
-    CGLContextObj handle;
-    for (int round = 0; round < 8; ++round) {
-        const AEOpenGLContext context(nullptr);
-        EXPECT_EQ(values.current(), 0) << (CGLGetCurrentContext() == handle ? "the handle of" : "beside")
-                                       << " the context before";
-        values.current() = 1 + round;
-        handle = CGLGetCurrentContext();
-        CGLSetCurrentContext(nullptr);
-    }
 }
 
 } // namespace

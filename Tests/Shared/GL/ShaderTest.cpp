@@ -35,10 +35,7 @@ protected:
         return testing::internal::GetCapturedStdout();
     }
 
-    static int livingObjects() {
-        return living([](unsigned name) { return glIsShader(name); }) +
-               living([](unsigned name) { return glIsProgram(name); });
-    }
+    static int livingObjects() { return living(glIsShader) + living(glIsProgram); }
 };
 
 TEST_F(ShaderTest, FailuresPrintOneLogEachTimeAndLeaveNothingBehind) {
