@@ -1,4 +1,5 @@
 #include "Hosts/Pictures/FormatRules.h"
+
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/TextParts.h"
 

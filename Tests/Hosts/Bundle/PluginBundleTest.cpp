@@ -1,11 +1,14 @@
 #include "Hosts/Bundle/PluginBundle.h"
 
+#include "Hosts/Bundle/BundleLocation.h"
 #include "Hosts/Engine/Effect.h"
-#include "Tests/Hosts/Engine/TestBundle.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
+#include <functional>
+#include <sstream>
 
 namespace fs = std::filesystem;
 using namespace Ombrique::Hosts;
@@ -16,112 +19,141 @@ const std::string kInfo = "Contents/Info.plist";
 const std::string kRegistration = "Contents/Resources/Registration.plist";
 const std::string kBinary = "Contents/Linux/Test";
 
-struct SpoiltBundle {
-    const char* name;
-    void (*spoil)(const TestBundle& bundle);
-    /// The file that the error begins with, and what it says of it.
-    std::string file;
-    const char* text;
+/// A bundle of the tests' own plug-in in a folder that is gone when the object ends.
+struct TestBundle {
+    TestBundle() {
+        std::string pattern = (fs::temp_directory_path() / "ombrique-XXXXXX").string();
+        folder = mkdtemp(pattern.data());
+        fs::copy(TEST_BUNDLE, folder, fs::copy_options::recursive);
+    }
+    ~TestBundle() { fs::remove_all(folder); }
+    TestBundle(const TestBundle&) = delete;
+    TestBundle& operator=(const TestBundle&) = delete;
+
+    fs::path folder;
 };
 
-void PrintTo(const SpoiltBundle& bundle, std::ostream* stream) { *stream << bundle.name; }
+// What spoils a bundle: a file of it that goes, is replaced, cut to a length, or has a piece of it replaced.
+using Spoil = std::function<void(const fs::path& file)>;
 
-const SpoiltBundle kSpoiltBundles[] = {
-    {"NoFolder", [](const TestBundle& b) { fs::remove_all(b.folder()); }, "", "no such plug-in bundle"},
-    {"NoInfo", [](const TestBundle& b) { fs::remove(b.folder() / kInfo); }, kInfo, "no such file"},
-    {"InfoIsAFolder",
-     [](const TestBundle& b) {
-         fs::remove(b.folder() / kInfo);
-         fs::create_directory(b.folder() / kInfo);
-     },
-     kInfo, "can't be read"},
-    {"InfoEmpty", [](const TestBundle& b) { fs::resize_file(b.folder() / kInfo, 0); }, kInfo, "no property list"},
-    {"RegistrationCutOff", [](const TestBundle& b) { fs::resize_file(b.folder() / kRegistration, 200); }, kRegistration,
-     "no property list"},
-    {"RegistrationHuge", [](const TestBundle& b) { fs::resize_file(b.folder() / kRegistration, 2 << 20); },
-     kRegistration, "larger than a mebibyte"},
-    {"RootIsNoDictionary",
-     [](const TestBundle& b) { std::ofstream(b.folder() / kRegistration) << "<plist><array/></plist>"; }, kRegistration,
-     "a dictionary at its root"},
-    {"KeyMissing", [](const TestBundle& b) { b.edit(kRegistration, "MatchName", "Match"); }, kRegistration,
-     "the key MatchName is missing"},
-    {"KeyEmpty", [](const TestBundle& b) { b.edit(kInfo, "ombrique.test", ""); }, kInfo,
-     "the key CFBundleIdentifier is empty"},
-    {"StringForInteger",
-     [](const TestBundle& b) { b.edit(kRegistration, "<integer>5</integer>", "<string>5</string>"); }, kRegistration,
-     "the key Version isn't an integer"},
-    {"IntegerTooLarge", [](const TestBundle& b) { b.edit(kRegistration, "1024", "4294967296"); }, kRegistration,
-     "the key OutFlags2 isn't an integer of 32 bits"},
-    {"OtherKind", [](const TestBundle& b) { b.edit(kRegistration, ">Effect<", ">Importer<"); }, kRegistration,
-     "Kind is \"Importer\""},
-    {"ExecutableElsewhere",
-     [](const TestBundle& b) {
-         b.edit(kInfo, "<key>CFBundleExecutable</key> <string>", "<key>CFBundleExecutable</key> <string>../");
-     },
-     kInfo, "isn't a file name: ../Test"},
-    {"NoBinary", [](const TestBundle& b) { fs::remove(b.folder() / kBinary); }, kBinary, "No such file"},
-    {"OtherVersion", [](const TestBundle& b) { b.edit(kInfo, "1.0</", "1.1</"); }, kInfo,
-     "CFBundleShortVersionString is 1.1, and this program works with 1.0"},
-    {"BinaryIsText", [](const TestBundle& b) { std::ofstream(b.folder() / kBinary) << std::string(500, 'x'); }, kBinary,
-     "invalid ELF header"},
-    {"BinaryCutOffEarly", [](const TestBundle& b) { fs::resize_file(b.folder() / kBinary, 4096); }, kBinary,
-     "damaged: part of the file is missing"},
-    {"BinaryCutOffLate",
-     [](const TestBundle& b) { fs::resize_file(b.folder() / kBinary, fs::file_size(b.folder() / kBinary) - 1); },
-     kBinary, "damaged: part of the file is missing"},
-    {"OtherProcessor",
-     [](const TestBundle& b) {
-         std::fstream(b.folder() / kBinary, std::ios::in | std::ios::out).seekp(18).put('\x08');
-     },
-     kBinary, "can't be loaded"},
-    {"LibraryMissing", [](const TestBundle& b) { b.edit(kBinary, "libstdc++", "libstdc__"); }, kBinary,
-     "can't be loaded: libstdc__.so.6: cannot open"},
-    {"NoEntryPoint", [](const TestBundle& b) { b.edit(kRegistration, "TestEntry", "OtherEntry"); }, kBinary,
-     "has no entry point OtherEntry"},
-};
+Spoil gone() {
+    return [](const fs::path& file) { fs::remove_all(file); };
+}
+Spoil says(const std::string& text) {
+    return [=](const fs::path& file) { std::ofstream(file) << text; };
+}
+Spoil isCutTo(std::uintmax_t size) {
+    return [=](const fs::path& file) { fs::resize_file(file, size); };
+}
+Spoil lacksItsLastByte() {
+    return [](const fs::path& file) { fs::resize_file(file, fs::file_size(file) - 1); };
+}
+Spoil has(const std::string& to, const std::string& from) {
+    return [=](const fs::path& file) {
+        std::stringstream content;
+        content << std::ifstream(file).rdbuf();
+        std::string text = content.str();
+        text.replace(text.find(from), from.size(), to); // throws where it isn't there
+        std::ofstream(file) << text;
+    };
+}
+Spoil isAFolder() {
+    return [](const fs::path& file) {
+        fs::remove(file);
+        fs::create_directory(file);
+    };
+}
+Spoil isForAnotherProcessor() {
+    return [](const fs::path& file) { std::fstream(file, std::ios::in | std::ios::out).seekp(18).put('\x08'); };
+}
 
-class SpoiltBundleTest : public testing::TestWithParam<SpoiltBundle> {};
-
-TEST_P(SpoiltBundleTest, SaysWhichFileAndWhy) {
-    const TestBundle bundle;
-    GetParam().spoil(bundle);
-    const std::string file = GetParam().file.empty() ? bundle.folder() : bundle.folder() / GetParam().file;
-    try {
-        const PluginBundle loaded(bundle.folder(), {"ombrique.test", "1.0"});
-        FAIL() << "it was loaded";
-    } catch (const BundleError& error) {
-        const std::string text = error.what();
-        EXPECT_TRUE(text.starts_with(file + ": ")) << text;
-        EXPECT_NE(text.find(GetParam().text), std::string::npos) << text;
-        EXPECT_EQ(text.find('\n'), std::string::npos) << text;
+TEST(PluginBundle, SaysWhichFileIsSpoiltAndHow) {
+    const struct {
+        std::string file;
+        Spoil spoil;
+        const char* text;
+    } rows[] = {
+        {"", gone(), "no such plug-in bundle"},
+        {kInfo, gone(), "no such file"},
+        {kInfo, isAFolder(), "can't be read"},
+        {kInfo, isCutTo(0), "no property list"},
+        {kRegistration, isCutTo(200), "no property list"},
+        {kRegistration, isCutTo(2 << 20), "larger than a mebibyte"},
+        {kRegistration, says("<plist><array/></plist>"), "a dictionary at its root"},
+        {kRegistration, has("Match", "MatchName"), "the key MatchName is missing"},
+        {kInfo, has("", "ombrique.test"), "the key CFBundleIdentifier is empty"},
+        {kRegistration, has("<string>5</string>", "<integer>5</integer>"), "the key Version isn't an integer"},
+        {kRegistration, has("4294967296", "1024"), "the key OutFlags2 isn't an integer of 32 bits"},
+        {kRegistration, has(">Importer<", ">Effect<"), "Kind is \"Importer\""},
+        {kInfo, has("Executable</key> <string>../", "Executable</key> <string>"), "isn't a file name: ../Test"},
+        {kInfo, has("1.1</", "1.0</"), "CFBundleShortVersionString is 1.1, and this program works with 1.0"},
+        {kBinary, gone(), "No such file"},
+        {kBinary, says(std::string(500, 'x')), "invalid ELF header"},
+        {kBinary, isCutTo(4096), "damaged: part of the file is missing"},
+        {kBinary, lacksItsLastByte(), "damaged: part of the file is missing"},
+        {kBinary, isForAnotherProcessor(), "can't be loaded"},
+        {kBinary, has("libx.so", "libm.so"), "can't be loaded: libx.so.6: cannot open"},
+        {kBinary, has("TestEntrx", "TestEntry"), "has no entry point TestEntry"},
+    };
+    for (const auto& row : rows) {
+        const TestBundle bundle;
+        const fs::path file = row.file.empty() ? bundle.folder : bundle.folder / row.file;
+        row.spoil(file);
+        try {
+            const PluginBundle loaded(bundle.folder, {"ombrique.test", "1.0"});
+            ADD_FAILURE() << "it was loaded, though: " << row.text;
+        } catch (const BundleError& error) {
+            const std::string text = error.what();
+            EXPECT_TRUE(text.starts_with(file.string() + ": ")) << text;
+            EXPECT_NE(text.find(row.text), std::string::npos) << text;
+            EXPECT_EQ(text.find('\n'), std::string::npos) << text;
+        }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, SpoiltBundleTest, testing::ValuesIn(kSpoiltBundles),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-TEST(PluginBundle, IsRead) {
-    const TestBundle bundle;
-    const PluginBundle loaded(bundle.folder(), {"ombrique.other", "2.0"});
-    EXPECT_EQ(loaded.info().identifier, "ombrique.test");
+TEST(PluginBundle, OfAnotherPluginMayHaveAnyVersion) {
+    const PluginBundle loaded(TEST_BUNDLE, {"ombrique.other", "2.0"});
     EXPECT_EQ(loaded.registration().matchName, "ombrique.test.effect");
-    EXPECT_EQ(loaded.registration().version, 5u);
     EXPECT_EQ(loaded.registration().outFlags2, 1024);
 }
 
 TEST(PluginBundle, AnotherDeclarationThanRegisteredIsRefused) {
     const TestBundle bundle;
-    bundle.edit(kRegistration, "1024", "3072");
-    const PluginBundle loaded(bundle.folder());
+    has("3072", "1024")(bundle.folder / kRegistration);
+    const PluginBundle loaded(bundle.folder);
     Effect effect(loaded);
     try {
         effect.setUp();
-        FAIL() << "it was set up";
+        ADD_FAILURE() << "it was set up";
     } catch (const BundleError& error) {
-        EXPECT_EQ(std::string(error.what()),
-                  (bundle.folder() / kRegistration).string() + ": OutFlags2 is 3072, but the plug-in declares 1024");
+        EXPECT_EQ(error.what(),
+                  (bundle.folder / kRegistration).string() + ": OutFlags2 is 3072, but the plug-in declares 1024");
     }
     EXPECT_FALSE(effect.isSetUp());
+}
+
+TEST(BundleLocation, IsWhatTheEnvironmentNamesOrBesideTheHost) {
+    const TestBundle folder;
+    fs::create_directories(folder.folder / "one/Other.plugin");
+    fs::create_directories(folder.folder / "ours/Other.plugin");
+    fs::create_directories(folder.folder / "ours/OmbriqueContrast.plugin");
+    fs::create_directories(folder.folder / "many/A.plugin");
+    fs::create_directories(folder.folder / "many/B.plugin");
+    const auto located = [&](const std::string& named) {
+        setenv("OMBRIQUE_PLUGIN_PATH", named.empty() ? "" : (folder.folder / named).c_str(), 1);
+        return bundleLocation(folder.folder / "one/host", {"../none", "../ours", "../many"})
+            .lexically_relative(folder.folder)
+            .string();
+    };
+    EXPECT_EQ(located(""), "ours/OmbriqueContrast.plugin");
+    EXPECT_EQ(located("one"), "one/Other.plugin");
+    EXPECT_EQ(located("ours"), "ours/OmbriqueContrast.plugin");
+    EXPECT_EQ(located("many/A.plugin"), "many/A.plugin");
+    EXPECT_EQ(located("none"), "none");
+    EXPECT_THROW(located("many"), BundleError);
+    fs::create_directory(folder.folder / "one/OmbriqueContrast.plugin");
+    EXPECT_EQ(located(""), "one/OmbriqueContrast.plugin");
+    unsetenv("OMBRIQUE_PLUGIN_PATH");
 }
 
 } // namespace

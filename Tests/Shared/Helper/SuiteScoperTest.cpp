@@ -75,6 +75,7 @@ const struct {
     {kNone, alone<acquire>, 516, kNoItemText, "sprintf "},
     {kNoItem, acquire<kText>, 516, kText, "+Item sprintf "},
     {kNoRelease, acquireAndRelease, 0, "", "+Item -Item "},
+    {kItemAndError, acquireAndRelease, 0, "", "+Item -Item "},
     {kNone, alone<release>, 516, kText, "sprintf "},
     {kNone, draw, 0, "", "+Draw +Supplier +Surface +Path -Draw -Supplier -Surface -Path "},
     {kNoSuite, draw, 516, "Not able to acquire AEFX Suite-DRAWBOT Draw Suite-1", "+Draw sprintf "},
