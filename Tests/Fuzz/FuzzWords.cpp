@@ -34,7 +34,15 @@ void frameRanges(const std::string& text) {
 void framePart(const std::string& text) {
     const FramePart part = parseFramePart(text);
     require(part.place >= 1 && part.place <= part.of, "a part is one of its parts");
-    require(framesOfPart({1, 2, 3}, part).size() <= 3, "a part is no more than the whole");
+    const std::vector<int> frames = parseFrameRanges("1-30x3,100-102");
+    std::vector<int> together;
+    const int of = std::min(part.of, 100);
+    for (int place = 1; place <= of; ++place) {
+        const std::vector<int> own = framesOfPart(frames, {place, of});
+        require(std::abs(std::ssize(own) * of - std::ssize(frames)) < of, "parts are equal, but for one frame");
+        together.insert(together.end(), own.begin(), own.end());
+    }
+    require(together == frames, "all parts are all frames, in their order");
 }
 
 void framePattern(const std::string& text) {

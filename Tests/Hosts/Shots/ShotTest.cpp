@@ -1,0 +1,177 @@
+#include "Hosts/Shots/Keyframes.h"
+#include "Hosts/Shots/RenderShot.h"
+#include "Tests/Hosts/Pictures/PictureFile.h"
+#include "Tests/Hosts/Pictures/ScratchFolder.h"
+#include "Tests/Support/PixelOracle.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <mutex>
+
+namespace Ombrique::Tests {
+
+namespace {
+
+using namespace Hosts;
+
+constexpr int kWidth = 37;
+constexpr int kHeight = 19;
+
+World pictureOf(int frame) { return makePicture(kWidth, kHeight, static_cast<unsigned>(frame)); }
+
+/// Small pictures, all of them different, from frame 8 on.
+class Shots : public testing::Test {
+protected:
+    Shots() {
+        for (int frame = 8; frame < 14; ++frame)
+            writePictureFile(input(frame), pictureOf(frame), {});
+    }
+
+    std::string input(int frame) const { return folder / ("in." + std::to_string(10000 + frame).substr(1) + ".png"); }
+    std::string output(int frame) const { return folder / ("out-" + std::to_string(frame) + ".png"); }
+    ShotRequest request(const char* frames = nullptr, const char* from = "in.####.png",
+                        const char* to = "out-%d.png") const {
+        ShotRequest request;
+        request.input = folder / from;
+        request.output = folder / to;
+        if (frames)
+            request.frames = parseFrameRanges(frames);
+        return request;
+    }
+    static std::vector<int> framesOf(const ShotRequest& request) {
+        std::vector<int> numbers;
+        for (const ShotFrame& frame : planShot(request).frames)
+            numbers.push_back(frame.number);
+        return numbers;
+    }
+
+    const ScratchFolder folder;
+};
+
+TEST_F(Shots, ArePlanned) {
+    EXPECT_EQ(framesOf(request()), (std::vector{8, 9, 10, 11, 12, 13}));
+    EXPECT_EQ(framesOf(request("12-20x4")), (std::vector{12, 16, 20}));
+    EXPECT_EQ(firstInput(request("12-20x4")), input(12));
+    writeFile(output(9), "precious");
+    writeFile(output(10), ""); // never a finished picture
+    ShotRequest missing = request();
+    missing.skipExisting = true;
+    EXPECT_EQ(framesOf(missing), (std::vector{8, 10, 11, 12, 13}));
+    EXPECT_EQ(planShot(missing).skipped, 1);
+    missing.part = {1, 3}; // of all frames, however far the others are
+    EXPECT_EQ(framesOf(missing), std::vector{8});
+
+    writeFile(folder / "v#.png", "one picture, by its very name");
+    const Shot one = planShot(request(nullptr, "v#.png", "v#.out.png"));
+    ASSERT_EQ(one.frames.size(), 1u);
+    EXPECT_EQ(one.frames[0].input, folder / "v#.png");
+    EXPECT_EQ(one.frames[0].output, folder / "v#.out.png");
+}
+
+TEST_F(Shots, ArePlannedOnlyWhereFramesAndFilesFit) {
+    EXPECT_THROW(planShot(request(nullptr, "no.####.png")), Failure);
+    EXPECT_THROW(planShot(request(nullptr, "in.####.png", "none/out-%d.png")), Failure);
+    EXPECT_THROW(planShot(request(nullptr, "in.####.png", "out.png")), UsageError);
+}
+
+/// With the real effect; keeps what it is told.
+class RenderedShots : public Shots, protected ShotObserver {
+protected:
+    void SetUp() override {
+        const CommandResult result = effect.setUp();
+        ASSERT_TRUE(result.clean()) << result.describe();
+    }
+
+    bool render(const ShotRequest& asked, int jobs) {
+        settings.longestSide = 4096;
+        return renderShot(effect, planShot(asked), settings, jobs, *this);
+    }
+    void expectFrame(int frame, const Correction& correction) const {
+        EXPECT_EQ(compareWithOracle(pictureOf(frame), readPictureFile(output(frame), {}), correction), "") << frame;
+    }
+
+    bool stopRequested() const noexcept override { return static_cast<int>(done.size()) >= stopAfter; }
+    void frameDone(const ShotFrame& frame, const std::vector<std::string>&, double seconds) noexcept override {
+        const std::lock_guard lock(mutex);
+        EXPECT_GT(seconds, 0.0);
+        done.insert(frame.number);
+    }
+    void frameFailed(const ShotFrame&, std::initializer_list<std::string_view> text) noexcept override {
+        const std::lock_guard lock(mutex);
+        std::string& line = failed.emplace_back();
+        for (const std::string_view part : text)
+            line += part;
+    }
+
+    FrameSettings settings;
+    PluginBundle bundle{OMBRIQUE_TEST_BUNDLE};
+    Effect effect{bundle};
+    std::mutex mutex;
+    std::set<int> done;
+    std::vector<std::string> failed;
+    int stopAfter = std::numeric_limits<int>::max();
+};
+
+TEST_F(RenderedShots, HaveTheSlidersOfEachFramesTime) {
+    settings.values = {{1, keyframedValue({{10, 1.0}, {14, 2.0}})}, {2, -10.0}};
+    EXPECT_FALSE(render(request(), 3));
+    for (int frame = 8; frame < 14; ++frame)
+        expectFrame(frame, {std::max(1.0, 1.0 + (frame - 10) / 4.0), -10.0});
+}
+
+TEST_F(RenderedShots, GoOnAfterABrokenFrame) {
+    writeFile(input(10), readFile(input(10)).substr(0, 700));
+    writeFile(output(10), "what was there before");
+    EXPECT_FALSE(render(request("8-14x2"), 2)); // 14 isn't there
+    EXPECT_EQ(done, (std::set{8, 12}));
+    expectFrame(8, {});
+    expectFrame(12, {});
+    EXPECT_EQ(readFile(output(10)), "what was there before");
+    std::ranges::sort(failed);
+    ASSERT_EQ(failed.size(), 2u);
+    EXPECT_TRUE(failed[0].starts_with(input(10) + ": is damaged")) << failed[0];
+    EXPECT_TRUE(failed[1].starts_with(input(14) + ": can't be read: No such file")) << failed[1];
+}
+
+TEST_F(RenderedShots, AreOneHeldPictureWhereFramesAreAskedOfIt) {
+    settings.values = {{1, keyframedValue({{1, 1.0}, {3, 3.0}})}};
+    EXPECT_FALSE(render(request("1-3", "in.0008.png"), 0));
+    EXPECT_EQ(compareWithOracle(pictureOf(8), readPictureFile(output(2), {}), {2.0, 0.0}), "");
+    EXPECT_EQ(done, (std::set{1, 2, 3}));
+}
+
+TEST_F(RenderedShots, AreOverWhenAStopIsAskedFor) {
+    stopAfter = 2;
+    EXPECT_FALSE(render(request(), 1));
+    EXPECT_EQ(done, (std::set{8, 9}));
+    EXPECT_FALSE(std::filesystem::exists(output(10)));
+}
+
+/// A picture that is larger than its display window, so that what a comparison fills shows.
+TEST_F(RenderedShots, CompareSideBySide) {
+    OIIO::ImageSpec windows;
+    windows.x = windows.y = -3;
+    windows.set_roi_full({0, 9, 0, 8});
+    writePictureFile(folder / "in.exr", asHeld(pictureOf(8), {"RGB"}), {"RGB", OIIO::TypeDesc::HALF}, windows);
+    settings.values = {{1, 2.0}};
+    settings.compare = true;
+    EXPECT_FALSE(render(request(nullptr, "in.exr", "out.png"), 1));
+    const World both = readPictureFile(folder / "out.png", {"RGB"});
+    ASSERT_EQ(both.width(), 2 * kWidth + 2);
+    ASSERT_EQ(both.height(), kHeight);
+    World before(kWidth, kHeight);
+    World after(kWidth, kHeight);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x) {
+            before.setPixel(x, y, both.pixel<PF_Pixel8>(x, y));
+            after.setPixel(x, y, both.pixel<PF_Pixel8>(kWidth + 2 + x, y));
+        }
+    EXPECT_EQ(comparePixels(asHeld(pictureOf(8), {"RGB"}), before), "");
+    EXPECT_EQ(compareWithOracle(before, after, {2.0, 0.0}), "");
+}
+
+} // namespace
+
+} // namespace Ombrique::Tests
