@@ -56,6 +56,21 @@ protected:
         return texel;
     }
 
+    /// A texture that is still attached somewhere keeps its memory after it has been deleted.
+    static void expectNoTextureAttached() {
+        const auto bound = static_cast<unsigned>(integer(GL_READ_FRAMEBUFFER_BINDING));
+        for (unsigned name = 1; name < 50; ++name) {
+            if (glIsFramebuffer(name) == GL_FALSE)
+                continue;
+            int type = 0;
+            glBindFramebuffer(GL_READ_FRAMEBUFFER, name);
+            glGetFramebufferAttachmentParameteriv(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
+                                                  GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE, &type);
+            EXPECT_NE(type, static_cast<int>(GL_TEXTURE)) << "frame buffer " << name;
+        }
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, bound);
+    }
+
     static bool isComplete() { return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE; }
 };
 
@@ -79,6 +94,7 @@ TEST_P(TargetsTest, NestedLevelsKeepTheirPicturesAndLeaveNoRenderbuffer) {
     EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), working);
     expectPainted(texture, kColour, kColour);
     expectPainted(frameBuffer.popRenderContext(), kOther, kColour);
+    expectNoTextureAttached();
     EXPECT_EQ(living(glIsRenderbuffer), 2);
     EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), working);
     expectPainted(frameBuffer.popRenderContext(), kColour, kOther);
@@ -105,6 +121,7 @@ TEST_P(TargetsTest, EndDrawingLeavesTheFinishedPictureBound) {
     };
     glDisable(GL_MULTISAMPLE);
     draw();
+    expectNoTextureAttached();
     const Texel last = readBack(kWidth - 1, kHeight - 1);
     expectTexel(last, {1.0f, 0.8f, 0.4f, 0.2f});           // alpha first, colours straight
     expectTexel(readBack(0, 0), {0.4f, 1.0f, 1.0f, 1.0f}); // brighter than their alpha
@@ -171,29 +188,6 @@ TEST_P(TargetsTest, EachContextHasItsOwnSetAndKeepsItWhileTheSizeStays) {
     }
     EXPECT_LE(living(glIsFramebuffer), 2 * set);
     context.makeContextCurrent();
-}
-
-/// A texture that is still attached somewhere keeps its memory after it has been deleted.
-TEST_P(TargetsTest, AFrameLeavesNoTextureAttached) {
-    for (const bool nested : {false, true}) {
-        frameBuffer.prepare(kWidth, kHeight, GetParam());
-        frameBuffer.beginDrawing();
-        if (nested) {
-            frameBuffer.pushRenderContext(false, false);
-            const unsigned popped = frameBuffer.popRenderContext();
-            glDeleteTextures(1, &popped);
-        } else
-            frameBuffer.endDrawing(1.0f);
-        for (unsigned name = 1; name < 50; ++name) {
-            if (glIsFramebuffer(name) == GL_FALSE)
-                continue;
-            glBindFramebuffer(GL_READ_FRAMEBUFFER, name);
-            int type = 0;
-            glGetFramebufferAttachmentParameteriv(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
-                                                  GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE, &type);
-            EXPECT_NE(type, static_cast<int>(GL_TEXTURE)) << "frame buffer " << name << ", nested " << nested;
-        }
-    }
 }
 
 using TargetTextures = PipelineTest;
