@@ -173,44 +173,28 @@ TEST(Frei0rModule, TakesTheTimeForSeconds) {
     }
 }
 
-/// One instance gets the slices of a frame from several threads at once.
-TEST(Frei0rModule, SlicesOfAFrame) {
-    constexpr int kWidth = 53, kSliceHeight = 17, kSlices = 6;
-    const Module module;
-    const Instance instance(module, kWidth, kSliceHeight, {1.3, 4.0});
-    const Hosts::World picture = makePicture(kWidth, kSliceHeight * kSlices, 9);
-    const std::string input = rawFrame(picture);
-    for (int round = 0; round < 20; ++round) {
-        std::string output(input.size(), 'x');
-        std::vector<std::jthread> threads;
-        for (std::ptrdiff_t slice = 0; slice < kSlices; ++slice)
-            threads.emplace_back([&, offset = slice * kWidth * kSliceHeight] {
-                instance.update(pixels(input) + offset, pixels(output) + offset);
-            });
-        threads.clear();
-        EXPECT_EQ(compareWithOracle(picture, pictureOf(output, 0, kWidth, picture.height()), {1.3, 4.0}), "");
-    }
-}
-
-/// Tools call from any thread, make and destroy instances on different ones, and open the module more than once; their
-/// own OpenGL contexts stay current meanwhile.
+/// Tools call from any thread, make and destroy instances on different ones, open the module more than once, and send
+/// the slices of a frame through one instance at once; their own OpenGL contexts stay current meanwhile.
 TEST(Frei0rModule, ThreadsWithContextsOfTheTool) {
-    constexpr int kThreads = 4, kRounds = 12;
+    constexpr int kThreads = 4;
     const Module outer;
+    const Instance shared(outer, 53, 17, {1.3, 4.0});
     std::array<std::unique_ptr<Instance>, kThreads> handed;
     std::barrier step(kThreads);
     std::vector<std::jthread> threads;
     for (unsigned thread = 0; thread < kThreads; ++thread)
         threads.emplace_back([&, thread] {
             const HostContext context(thread % 2 ? EGL_OPENGL_API : EGL_OPENGL_ES_API);
-            for (unsigned round = 0; round < kRounds; ++round) {
+            for (unsigned round = 0; round < 15; ++round) {
                 const Module again;
                 const Correction correction{0.1 * (round + thread), 5.0};
                 handed[thread] = std::make_unique<Instance>(outer, 1 + static_cast<int>(7 * round), 11, correction);
                 EXPECT_TRUE(context.isUntouched());
                 handed[thread]->expectRight(round, correction);
+                shared.expectRight(thread, {1.3, 4.0});
                 EXPECT_TRUE(context.isUntouched());
                 step.arrive_and_wait();
+                shared.expectRight(round + thread, {1.3, 4.0});
                 handed[(thread + 1) % kThreads].reset();
                 EXPECT_TRUE(context.isUntouched());
                 step.arrive_and_wait();
