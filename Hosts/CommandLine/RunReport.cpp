@@ -67,7 +67,7 @@ void RunReport::frameDone(const ShotFrame& frame, const std::vector<std::string>
     ++mDone;
     tellIfPossible([&] {
         for (const std::string& loss : losses)
-            if (mVerbosity != Verbosity::Quiet && mLossesTold.insert(loss).second)
+            if (mVerbosity != Verbosity::Quiet && mLossesTold.insert(loss.substr(0, loss.find(" ("))).second)
                 printLine({"note: ", frame.input.native(), ": ", loss});
         if (mVerbosity == Verbosity::Verbose)
             printLine({frame.output.native(), ": done in ", decimal(seconds, 2), " s"});

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -23,6 +22,15 @@ const std::map<std::string, std::vector<std::string_view>> kMethods = {
     {"jpeg", {"jpeg"}},
     {"webp", {"lossless", "lossy"}},
     {"targa", {"none", "rle"}},
+};
+
+/// The numbers of channels that files can hold, by extension or by format. Where the formats say nothing, it is what
+/// OpenImageIO's encoders write without a fault, and its decoders find again: GIF's writes no alpha, and WebP's ruins
+/// all dark colours of a picture that has one. Others hold all from 1 to 4.
+const std::map<std::string, std::string_view> kChannels = {
+    {".pgm", "1"},       {".bw", "1"}, {".ppm", "3"},    {".pbm", ""},  {"bmp", "134"}, {"dpx", "134"}, {"fits", ""},
+    {"gif", "3"},        {"hdr", "3"}, {"heif", "34"},   {"iff", "4"},  {"jpeg", "13"}, {"pnm", "13"},  {"sgi", "134"},
+    {"jpeg2000", "134"}, {"term", ""}, {"targa", "134"}, {"webp", "3"}, {"zfile", "1"},
 };
 
 /// Whether many pixels are like the one on their left, as in titles and drawings; every sixteenth row is looked at.
@@ -53,26 +61,27 @@ AlphaConvention alphaConvention(const std::string& format, bool declaredStraight
     // These hold straight colours by their own rules, whether or not OpenImageIO says so.
     static constexpr std::array<std::string_view, 8> kStraight = {"png", "targa", "jpeg2000", "ico",
                                                                   "bmp", "heif",  "gif",      "psd"};
-    if (format == "webp")
-        return AlphaConvention::GammaAssociated;
     if (std::ranges::find(kStraight, format) != kStraight.end())
         return AlphaConvention::Straight;
     return declaredStraight ? AlphaConvention::Straight : AlphaConvention::Associated;
 }
 
 float colourWeight(AlphaConvention convention, float alpha) {
-    switch (convention) {
-    case AlphaConvention::Straight:
-        return 1.0f;
-    case AlphaConvention::Associated:
-        return alpha;
-    case AlphaConvention::GammaAssociated:
-        return std::pow(alpha, 1.0f / 2.2f);
-    }
-    return 1.0f;
+    return convention == AlphaConvention::Straight ? 1.0f : alpha;
 }
 
 bool declaresAlphaConvention(const std::string& format) { return format == "tiff"; }
+
+int channelsToWrite(const std::string& format, const std::string& extension, int colours, bool hasAlpha) {
+    auto held = kChannels.find(OIIO::Strutil::lower(extension));
+    if (held == kChannels.end())
+        held = kChannels.find(format);
+    const std::string_view byLikeness = colours == 3 ? (hasAlpha ? "43" : "34") : (hasAlpha ? "2413" : "1324");
+    for (const char channels : byLikeness)
+        if (held == kChannels.end() || held->second.find(channels) != std::string_view::npos)
+            return channels - '0';
+    return 0;
+}
 
 void requireCompression(const std::string& wanted, const std::string& format) {
     if (wanted.empty())
@@ -99,6 +108,8 @@ void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std:
         spec.attribute("compression", format == "png" ? std::string(parts[0]) : wanted);
         if (format == "png" && parts.size() == 2)
             spec.attribute("png:compressionLevel", std::min(*parseCount(parts[1]), 9));
+        else if (wanted.starts_with("lossy:"))
+            spec.attribute("compression", "webp:" + std::string(parts[1]));
     } else if (format == "png") {
         setQuickPng(spec, pixels);
     }

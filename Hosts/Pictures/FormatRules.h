@@ -16,13 +16,10 @@ enum class AlphaConvention {
     Straight,
     /// Colours are multiplied by alpha.
     Associated,
-    /// Colours are multiplied by alpha to the power of 1 / 2.2: what OpenImageIO makes of a straight WebP picture in
-    /// both directions, whatever it is asked for.
-    GammaAssociated,
 };
 
-/// The convention for the pixels of a file in OpenImageIO's format `format`, where OpenImageIO was asked to leave
-/// straight colours alone. `declaredStraight`: the file says that it is straight, or shall say so.
+/// The convention for the pixels that come out of a file of `format`, where OpenImageIO was asked to leave straight
+/// colours alone. `declaredStraight`: the file says that it is straight.
 AlphaConvention alphaConvention(const std::string& format, bool declaredStraight);
 
 /// What a straight colour is multiplied by to follow the convention; alpha from 0 to 1.
@@ -30,6 +27,11 @@ float colourWeight(AlphaConvention convention, float alpha);
 
 /// Whether a file in this format can say by itself which of the first two conventions it follows.
 bool declaresAlphaConvention(const std::string& format);
+
+/// How many channels a file of `format` with this extension (".pgm") gets for a picture of one or three colours, with
+/// alpha or without: grey may become RGB, what is opaque may get an alpha, and alpha may be left out. 0 where the file
+/// can't hold the picture.
+int channelsToWrite(const std::string& format, const std::string& extension, int colours, bool hasAlpha);
 
 /// Throws where `wanted`, "METHOD" or "METHOD:LEVEL", is none of the compression methods of OpenImageIO's format
 /// `format`. Empty is always fine.

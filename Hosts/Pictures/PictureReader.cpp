@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <fcntl.h>
 #include <span>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -16,14 +18,35 @@ namespace Ombrique::Hosts {
 
 namespace {
 
-/// OpenImageIO's own words for a file that isn't there differ from format to format.
+/// Whether the first icon of a file is of a kind on which OpenImageIO's decoder writes beyond its memory. It keeps
+/// within it where an icon has 32 bits a pixel, or is a PNG.
+bool isDangerousIcon(int descriptor) {
+    std::array<unsigned char, 22> header{};
+    std::array<unsigned char, 16> picture{};
+    if (pread(descriptor, header.data(), header.size(), 0) < std::ssize(header) ||
+        std::memcmp(header.data(), "\0\0\1\0", 4) != 0)
+        return false;
+    const auto offset = header[18] | header[19] << 8 | header[20] << 16 | off_t{header[21]} << 24;
+    const bool isWhole = pread(descriptor, picture.data(), picture.size(), offset) == std::ssize(picture);
+    return !isWhole || (std::memcmp(picture.data(), "\x89PNG", 4) != 0 && picture[14] != 32);
+}
+
+/// OpenImageIO's own words for a file that isn't there differ from format to format, and what is no file, such as a
+/// pipe, it waits for.
 void requireReadable(const std::filesystem::path& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    const int error = descriptor < 0 ? errno : std::filesystem::is_directory(path) ? EISDIR : 0;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status {};
+    const int error = descriptor < 0 || fstat(descriptor, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? EISDIR : 0;
+    const bool isDangerous = error == 0 && isDangerousIcon(descriptor);
     if (descriptor >= 0)
         close(descriptor);
+    const std::string text = path.string() + ": can't be read: ";
     if (error != 0)
-        throw Failure(path.string() + ": can't be read: " + std::generic_category().message(error));
+        throw Failure(text + std::generic_category().message(error));
+    if (!S_ISREG(status.st_mode))
+        throw Failure(text + "not a regular file");
+    if (isDangerous)
+        throw Failure(text + "of icons, those with 32 bits a pixel and PNG alone can be");
 }
 
 /// Calls a decoder. Some let an exception out where a damaged file leads them astray.
@@ -42,27 +65,40 @@ struct SampleOffsets {
     int red, green, blue, alpha;
 };
 
-PF_Pixel8 toPixel(const std::uint8_t* samples, const SampleOffsets& at, AlphaConvention) {
+/// How many samples there were, and how many of them lie so far out that clamping changes more than rounding does.
+struct Clipping {
+    std::uint64_t samples = 0;
+    std::uint64_t clipped = 0;
+
+    std::uint8_t quantise(float value) {
+        constexpr float kHalfStep = 0.5f / 255.0f;
+        ++samples;
+        clipped += !(value >= -kHalfStep && value <= 1.0f + kHalfStep);
+        return quantised(value);
+    }
+};
+
+PF_Pixel8 toPixel(const std::uint8_t* samples, const SampleOffsets& at, AlphaConvention, Clipping&) {
     const std::uint8_t alpha = at.alpha < 0 ? std::uint8_t{255} : samples[at.alpha];
     return {alpha, samples[at.red], samples[at.green], samples[at.blue]};
 }
 
-PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention convention) {
+PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention convention, Clipping& clipping) {
     const float alpha = at.alpha < 0 ? 1.0f : samples[at.alpha];
     const float weight = colourWeight(convention, alpha);
     const float scale = weight > 0.0f ? 1.0f / weight : 0.0f;
-    return {quantised(alpha), quantised(samples[at.red] * scale), quantised(samples[at.green] * scale),
-            quantised(samples[at.blue] * scale)};
+    return {quantised(alpha), clipping.quantise(samples[at.red] * scale), clipping.quantise(samples[at.green] * scale),
+            clipping.quantise(samples[at.blue] * scale)};
 }
 
 /// Rows of the world, from `top` on, out of as many rows of samples.
 template <typename Sample>
 void fillRows(World& world, int top, int rows, const Sample* samples, int channels, const SampleOffsets& at,
-              AlphaConvention convention) {
+              AlphaConvention convention, Clipping& clipping) {
     for (int y = top; y < top + rows; ++y) {
         auto* row = reinterpret_cast<PF_Pixel8*>(world.row(y));
         for (int x = 0; x < world.width(); ++x, samples += channels)
-            row[x] = toPixel(samples, at, convention);
+            row[x] = toPixel(samples, at, convention, clipping);
     }
 }
 
@@ -95,8 +131,11 @@ PictureReader::PictureReader(const std::filesystem::path& path, int longestSide)
         throw Failure(path.string() + ": holds a deep or volume picture, which has no layer of pixels to correct");
     requireFitting(longestSide);
     requireNumbers();
+    if (mOrigin.format == "fits")
+        throw Failure(path.string() + ": can't be read: OpenImageIO takes the rows of FITS for their neighbours");
     chooseChannels();
     noteLosses();
+    mTurn = turnUpright(mOrigin.spec);
 }
 
 void PictureReader::requireFitting(int longestSide) const {
@@ -118,7 +157,12 @@ void PictureReader::requireNumbers() const {
 }
 
 void PictureReader::chooseChannels() {
-    const OIIO::ImageSpec& spec = mOrigin.spec;
+    OIIO::ImageSpec& spec = mOrigin.spec;
+    // Some decoders name fewer channels than there are, or an alpha behind the last.
+    if (std::ssize(spec.channelnames) != spec.nchannels)
+        spec.default_channel_names();
+    if (spec.alpha_channel >= spec.nchannels)
+        spec.alpha_channel = indexOfChannel(spec, "a");
     mOrigin.alpha = spec.alpha_channel;
     mOrigin.colours = {indexOfChannel(spec, "r"), indexOfChannel(spec, "g"), indexOfChannel(spec, "b")};
     mOrigin.colourCount = 3;
@@ -134,7 +178,7 @@ void PictureReader::chooseChannels() {
         colours.push_back(spec.alpha_channel);
         mOrigin.alpha = -1;
     }
-    if (colours.size() == 2)
+    if (colours.size() == 2 || spec.channelnames.front().starts_with("ink"))
         throw Failure(mPath.string() + ": its channels " + OIIO::Strutil::join(spec.channelnames, ", ") +
                       " make neither a grey nor an RGB picture");
     mOrigin.colourCount = colours.size() == 1 ? 1 : 3;
@@ -154,16 +198,12 @@ void PictureReader::noteLosses() {
             others.push_back(spec.channelnames[static_cast<std::size_t>(channel)]);
     if (!others.empty())
         mOrigin.losses.push_back("its other channels (" + OIIO::Strutil::join(others, ", ") + ") are left out");
-    if (mFile->seek_subimage(1, 0))
-        mOrigin.losses.push_back("it holds several pictures, of which only the first is taken");
-    mFile->seek_subimage(0, 0);
-    static_cast<void>(mFile->geterror());
 }
 
 template <typename Sample>
 bool PictureReader::readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples) {
     const OIIO::TypeDesc type = OIIO::BaseTypeFromC<Sample>::value;
-    const OIIO::ImageSpec& spec = mOrigin.spec;
+    const OIIO::ImageSpec& spec = mFile->spec();
     if (spec.tile_width > 0)
         return mFile->read_image(0, 0, firstChannel, endChannel, type, samples);
     const int y = spec.y + top;
@@ -172,7 +212,7 @@ bool PictureReader::readRows(int top, int rows, int firstChannel, int endChannel
     // Asked to convert, OpenImageIO takes 64 MiB of memory for each call.
     if (spec.format == type)
         return mFile->read_native_scanlines(0, 0, y, y + rows, 0, firstChannel, endChannel, samples);
-    const int count = width() * rows * (endChannel - firstChannel);
+    const int count = spec.width * rows * (endChannel - firstChannel);
     mNative.resize(static_cast<std::size_t>(count) * spec.format.size());
     return mFile->read_native_scanlines(0, 0, y, y + rows, 0, firstChannel, endChannel, mNative.data()) &&
            OIIO::convert_types(spec.format, mNative.data(), type, samples, count);
@@ -185,23 +225,44 @@ template <typename Sample> void PictureReader::readAs(World& into, int firstChan
                            mOrigin.colours[last] - firstChannel, mOrigin.alpha < 0 ? -1 : mOrigin.alpha - firstChannel};
     const AlphaConvention convention = conventionOf(mOrigin);
     const int channels = endChannel - firstChannel;
-    const int rowsAtATime = mOrigin.spec.tile_width > 0 ? height() : std::min(height(), kRowsAtATime);
-    const auto samples = std::make_unique_for_overwrite<Sample[]>(
-        static_cast<std::size_t>(width()) * static_cast<std::size_t>(rowsAtATime) * static_cast<std::size_t>(channels));
+    const int height = into.height();
+    const int rowsAtATime = mOrigin.spec.tile_width > 0 ? height : std::min(height, kRowsAtATime);
+    const auto samples = std::make_unique_for_overwrite<Sample[]>(static_cast<std::size_t>(into.width()) *
+                                                                  static_cast<std::size_t>(rowsAtATime) *
+                                                                  static_cast<std::size_t>(channels));
+    Clipping clipping;
     bool isRead = true;
-    for (int top = 0; isRead && top < height(); top += rowsAtATime) {
-        const int rows = std::min(rowsAtATime, height() - top);
+    for (int top = 0; isRead && top < height; top += rowsAtATime) {
+        const int rows = std::min(rowsAtATime, height - top);
         isRead = decoded(mPath, [&] { return readRows(top, rows, firstChannel, endChannel, samples.get()); });
         if (isRead)
-            fillRows(into, top, rows, samples.get(), channels, at, convention);
+            fillRows(into, top, rows, samples.get(), channels, at, convention, clipping);
     }
     // Some decoders fill up what is missing, and tell of it in no other way than by their error text.
     const std::string error = mFile->geterror();
     if (!isRead || !error.empty())
         throw Failure(mPath.string() + ": is damaged or incomplete: " + firstErrorLine(error, "pixels are missing"));
+    if (clipping.clipped > 0)
+        mOrigin.losses.push_back(OIIO::Strutil::sprintf(
+            "colours below 0 or above 1 are clipped (%.2g %% of its samples)",
+            100.0 * static_cast<double>(clipping.clipped) / static_cast<double>(clipping.samples)));
 }
 
 void PictureReader::read(World& into) {
+    if (mTurn.turns()) {
+        World lying(mFile->spec().width, mFile->spec().height);
+        readAsFiled(lying);
+        mTurn.apply(lying, into);
+    } else {
+        readAsFiled(into);
+    }
+    // Not before the pixels are read: some decoders don't find their way back.
+    const QuietStandardError quiet;
+    if (decoded(mPath, [this] { return mFile->seek_subimage(1, 0); }))
+        mOrigin.losses.push_back("it holds several pictures, of which only the first is taken");
+}
+
+void PictureReader::readAsFiled(World& into) {
     const auto colours = std::span(mOrigin.colours).first(static_cast<std::size_t>(mOrigin.colourCount));
     const int first =
         mOrigin.alpha < 0 ? std::ranges::min(colours) : std::min(std::ranges::min(colours), mOrigin.alpha);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Hosts/Pictures/Orientation.h"
 #include "Hosts/Pictures/Picture.h"
 
 #include <cstddef>
@@ -10,8 +11,8 @@
 namespace Ombrique::Hosts {
 
 /// Reads one picture of any format that OpenImageIO knows. Of a file with several pictures it takes the first, of a
-/// texture the largest level. All failures are thrown as Failure and name the file, but std::bad_alloc where memory
-/// runs out.
+/// texture the largest level. A picture that its camera held otherwise is turned upright. All failures are thrown as
+/// Failure and name the file, but std::bad_alloc where memory runs out.
 class PictureReader {
 public:
     /// Opens the file and reads its header. A picture with a side beyond `longestSide` pixels, the driver's limit, is
@@ -22,7 +23,7 @@ public:
     int width() const { return mOrigin.spec.width; }
     int height() const { return mOrigin.spec.height; }
 
-    /// What the file says of itself.
+    /// What the file says of itself; of what doesn't come along, some is known only once the pixels are read.
     const PictureOrigin& origin() const { return mOrigin; }
 
     /// Reads the pixels into a world of the picture's size; once. A file that ends too early, or is damaged on the way,
@@ -32,6 +33,8 @@ public:
 private:
     template <typename Sample> bool readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples);
     template <typename Sample> void readAs(World& into, int firstChannel, int endChannel);
+    /// The pixels as the file has them, before they are turned.
+    void readAsFiled(World& into);
     void requireFitting(int longestSide) const;
     /// OpenImageIO ends the process where it is asked to convert anything else.
     void requireNumbers() const;
@@ -41,6 +44,7 @@ private:
     std::filesystem::path mPath;
     std::unique_ptr<OIIO::ImageInput> mFile;
     PictureOrigin mOrigin;
+    Turn mTurn;
     /// Samples as the file has them, on their way to another type.
     std::vector<std::byte> mNative;
 };

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string_view>
 
 namespace Ombrique::Hosts {
@@ -29,17 +30,22 @@ Window windowToWrite(const OIIO::ImageSpec& spec, const OIIO::ImageOutput& encod
 
 /// The description of the output: that of the input, less what was true of its file alone.
 OIIO::ImageSpec describe(const PictureOrigin& origin, const OIIO::ImageOutput& encoder, const Window& window,
-                         bool withAlpha) {
+                         int channels) {
     const bool isSameFormat = origin.format == encoder.format_name();
     OIIO::ImageSpec spec = origin.spec;
-    spec.channelnames.clear();
-    for (int colour = 0; colour < origin.colourCount; ++colour)
-        spec.channelnames.push_back(
-            origin.spec.channelnames[static_cast<std::size_t>(origin.colours[static_cast<std::size_t>(colour)])]);
-    if (withAlpha)
-        spec.channelnames.push_back(origin.spec.channelnames[static_cast<std::size_t>(origin.alpha)]);
-    spec.nchannels = static_cast<int>(spec.channelnames.size());
-    spec.alpha_channel = withAlpha ? spec.nchannels - 1 : -1;
+    spec.nchannels = channels;
+    spec.default_channel_names();
+    const auto keepName = [&](int channel, int inOrigin) {
+        spec.channelnames[static_cast<std::size_t>(channel)] =
+            origin.spec.channelnames[static_cast<std::size_t>(inOrigin)];
+    };
+    for (int colour = 0; colour < origin.colourCount && (channels > 2) == (origin.colourCount > 1); ++colour)
+        keepName(colour, origin.colours[static_cast<std::size_t>(colour)]);
+    spec.alpha_channel = channels % 2 == 0 ? channels - 1 : -1;
+    if (spec.alpha_channel >= 0 && origin.alpha >= 0)
+        keepName(spec.alpha_channel, origin.alpha);
+    else if (spec.alpha_channel >= 0)
+        spec.channelnames.back() = "A";
     spec.z_channel = -1;
     spec.set_format(OIIO::TypeDesc::UINT8);
     spec.x = window.x;
@@ -63,15 +69,14 @@ constexpr int kRowsAtATime = 64;
 /// Rows of samples in the order of the file's channels, ready for the encoder.
 class SamplePacker {
 public:
-    SamplePacker(const PictureOrigin& origin, bool withAlpha, AlphaConvention convention)
-        : mIsGrey(origin.colourCount == 1), mWithAlpha(withAlpha),
-          mIsStraightRgba(!mIsGrey && withAlpha && convention == AlphaConvention::Straight) {
+    SamplePacker(int channels, AlphaConvention convention)
+        : mChannels(channels), mIsStraightRgba(channels == 4 && convention == AlphaConvention::Straight) {
         for (std::size_t alpha = 0; alpha < mWeights.size(); ++alpha)
             mWeights[alpha] = colourWeight(convention, static_cast<float>(alpha) / 255.0f);
     }
 
     /// The bytes of a pixel of the file.
-    std::size_t pixelBytes() const { return (mIsGrey ? std::size_t{1} : std::size_t{3}) + (mWithAlpha ? 1 : 0); }
+    std::size_t pixelBytes() const { return static_cast<std::size_t>(mChannels); }
 
     /// The rows of `part`, which is as wide as the file's picture, one after the other; black and transparent outside
     /// of `data`, which is the place of `pixels`.
@@ -107,11 +112,11 @@ private:
     }
     std::uint8_t* put(const PF_Pixel8& pixel, std::uint8_t* to) const {
         *to++ = weighted(pixel.red, pixel.alpha);
-        if (!mIsGrey) {
+        if (mChannels > 2) {
             *to++ = weighted(pixel.green, pixel.alpha);
             *to++ = weighted(pixel.blue, pixel.alpha);
         }
-        if (mWithAlpha)
+        if (mChannels % 2 == 0)
             *to++ = pixel.alpha;
         return to;
     }
@@ -121,18 +126,33 @@ private:
     }
 
     std::array<float, 256> mWeights{};
-    bool mIsGrey;
-    bool mWithAlpha;
+    int mChannels;
     bool mIsStraightRgba;
 };
 
-bool isTranslucent(const World& pixels) {
+/// Whether `holds` is true of any pixel.
+template <typename Holds> bool anyPixel(const World& pixels, const Holds& holds) {
     for (int y = 0; y < pixels.height(); ++y) {
         const auto* row = reinterpret_cast<const PF_Pixel8*>(pixels.row(y));
-        if (std::any_of(row, row + pixels.width(), [](const PF_Pixel8& pixel) { return pixel.alpha != 255; }))
+        if (std::any_of(row, row + pixels.width(), holds))
             return true;
     }
     return false;
+}
+
+/// What a format's channels and palette can't hold of the picture.
+std::vector<std::string> lossesOf(const World& pixels, bool withAlpha, const std::string& format) {
+    std::vector<std::string> losses;
+    if (!withAlpha && anyPixel(pixels, [](const PF_Pixel8& pixel) { return pixel.alpha != 255; }))
+        losses.emplace_back("no alpha is written in this format: the picture is laid over black");
+    std::set<std::uint32_t> colours;
+    const auto isOneTooMany = [&colours](const PF_Pixel8& pixel) {
+        colours.insert(std::uint32_t{pixel.red} << 16 | std::uint32_t{pixel.green} << 8 | pixel.blue);
+        return colours.size() > 255;
+    };
+    if (format == "gif" && anyPixel(pixels, isOneTooMany))
+        losses.emplace_back("the format has 255 colours, which stand for all others");
+    return losses;
 }
 
 /// Whether a file holds all of the picture that its header promises.
@@ -183,10 +203,11 @@ void PictureWriter::encode(const OIIO::ImageSpec& spec, const PackRows& packRows
 }
 
 bool PictureWriter::encodeRows(const OIIO::ImageSpec& spec, const PackRows& packRows) {
-    const bool isTiled = spec.tile_width > 0;
-    // Where nothing is to be converted, OpenImageIO needs no copy of the samples.
-    const OIIO::TypeDesc type(mEncoder->spec().format == OIIO::TypeDesc::UINT8 ? OIIO::TypeDesc::UNKNOWN
-                                                                               : OIIO::TypeDesc::UINT8);
+    const bool isTiled = mEncoder->spec().tile_width > 0; // which some formats are by themselves
+    // Where nothing is to be converted, OpenImageIO needs no copy of the samples. GIF's encoder always converts.
+    const bool isNative =
+        mEncoder->spec().format == OIIO::TypeDesc::UINT8 && mEncoder->format_name() != std::string_view("gif");
+    const OIIO::TypeDesc type(isNative ? OIIO::TypeDesc::UNKNOWN : OIIO::TypeDesc::UINT8);
     const int rowsAtATime = isTiled ? spec.height : std::min(spec.height, kRowsAtATime);
     const auto samples = std::make_unique_for_overwrite<std::uint8_t[]>(
         static_cast<std::size_t>(spec.scanline_bytes()) * static_cast<std::size_t>(rowsAtATime));
@@ -202,11 +223,12 @@ bool PictureWriter::encodeRows(const OIIO::ImageSpec& spec, const PackRows& pack
 }
 
 std::vector<std::string> PictureWriter::write(const World& pixels, const PictureOrigin& origin) {
-    std::vector<std::string> losses;
     const std::string format = mEncoder->format_name();
-    const bool withAlpha = origin.alpha >= 0 && mEncoder->supports("alpha");
-    if (origin.alpha >= 0 && !withAlpha && isTranslucent(pixels))
-        losses.emplace_back("the format has no alpha: the picture is laid over black");
+    const int channels = channelsToWrite(format, mPath.extension().string(), origin.colourCount, origin.alpha >= 0);
+    if (channels == 0)
+        throw Failure(mPath.string() + ": can't be written: such a file can't hold a picture " +
+                      (origin.colourCount == 1 ? "of greys" : "in colour"));
+    const bool withAlpha = channels % 2 == 0;
 
     const bool isDeclaredStraight =
         declaresAlphaConvention(format) && origin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0;
@@ -214,18 +236,19 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
         withAlpha ? alphaConvention(format, isDeclaredStraight) : AlphaConvention::Associated;
     const Window data{origin.spec.x, origin.spec.y, origin.spec.width, origin.spec.height};
     const Window window = windowToWrite(origin.spec, *mEncoder, origin.format == format);
-    OIIO::ImageSpec spec = describe(origin, *mEncoder, window, withAlpha);
+    OIIO::ImageSpec spec = describe(origin, *mEncoder, window, channels);
     spec.erase_attribute("oiio:UnassociatedAlpha");
     if (withAlpha && convention == AlphaConvention::Straight)
         spec.attribute("oiio:UnassociatedAlpha", 1);
+    spec.attribute("ico:PNG", 1); // as it comes, the encoder of icons writes beyond its memory
 
     setCompression(spec, mCompression, format, pixels);
-    const SamplePacker packer(origin, withAlpha, convention);
+    const SamplePacker packer(channels, convention);
     encode(spec, [&](int top, int rows, std::uint8_t* samples) {
         packer.pack(pixels, data, {window.x, top, window.width, rows}, samples);
     });
     mFile.commit();
-    return losses;
+    return lossesOf(pixels, withAlpha, format);
 }
 
 } // namespace Ombrique::Hosts

@@ -196,6 +196,42 @@ TEST(FormatsTest, TranslucentPictureIsLaidOverBlackWhereTheFormatHasNoAlpha) {
     EXPECT_EQ(comparePixels(picture, readPictureFile(folder / "out.ppm", kRgb)), "");
 }
 
+TEST(FormatsTest, TellsWhatShareIsClipped) {
+    const ScratchFolder folder;
+    OIIO::ImageSpec spec(4, 2, 3, OIIO::TypeDesc::HALF);
+    std::vector<float> samples(24, 0.5f);
+    samples[3] = 1.5f;
+    samples[4] = -0.25f;
+    samples[5] = 1.001f; // as 1 in 8 bits
+    const auto file = OIIO::ImageOutput::create(folder / "in.exr");
+    ASSERT_TRUE(file->open(folder / "in.exr", spec) && file->write_image(OIIO::TypeDesc::FLOAT, samples.data()));
+    file->close();
+    EXPECT_NE(copyPicture(folder / "in.exr", folder / "out.png").losses.find("clipped (8.3 % of"), std::string::npos);
+}
+
+/// A picture of 3 by 2 whose samples are numbered, as the camera held it.
+TEST(FormatsTest, PicturesAreTurnedUpright) {
+    const char* upright[] = {"012345", "210543", "543210", "345012", "031425", "304152", "524130", "251403"};
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        SCOPED_TRACE(orientation);
+        const ScratchFolder folder;
+        World lying(3, 2);
+        for (int i = 0; i < 6; ++i)
+            lying.setPixel(i % 3, i / 3, PF_Pixel8{255, static_cast<std::uint8_t>(i), 9, 9});
+        OIIO::ImageSpec metadata;
+        metadata.attribute("Orientation", orientation);
+        writePictureFile(folder / "in.tif", lying, kRgb, metadata);
+        const World pixels = copyPicture(folder / "in.tif", folder / "out.tif").pixels;
+        ASSERT_EQ(pixels.width(), orientation < 5 ? 3 : 2);
+        std::string seen;
+        for (int i = 0; i < 6; ++i)
+            seen += static_cast<char>('0' + pixels.pixel<PF_Pixel8>(i % pixels.width(), i / pixels.width()).red);
+        EXPECT_EQ(seen, upright[orientation - 1]);
+        EXPECT_EQ(describePictureFile(folder / "out.tif").get_int_attribute("Orientation", 1), 1);
+        EXPECT_EQ(comparePixels(pixels, readPictureFile(folder / "out.tif", kRgb)), "");
+    }
+}
+
 TEST(FormatsTest, MetadataComesAlong) {
     const ScratchFolder folder;
     OIIO::ImageSpec metadata;

@@ -8,6 +8,8 @@
 #include <OpenImageIO/deepdata.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace Ombrique::Tests {
 
 namespace {
@@ -60,10 +62,22 @@ TEST(Refusals, AreOneLineAndLeaveWhatWasThere) {
     writePictureFile(folder / "tall.png", World(1, kLongestSide + 1), {"Y"});
     writePictureFile(folder / "two.exr", picture, {"RG", OIIO::TypeDesc::HALF});
     writeDeepPicture(folder / "samples.exr");
+    writePictureFile(folder / "inks.tif", picture, {"CMYKA"});
+    std::string inks = readFile(folder / "inks.tif");
+    const std::size_t photometric = inks.find(std::string("\6\1\3\0\1\0\0\0", 8)); // a tag, and its one short
+    ASSERT_NE(photometric, std::string::npos);
+    inks[photometric + 8] = 5; // "separated"
+    writeFile(folder / "inks.tif", inks);
     writeFile(folder / "vast.ppm", "P6 100000 100000 255\n"); // 40 GB of pixels, if they were there
     writeFile(folder / "void.fits", fitsHeader("8", "-1"));
+    writeFile(folder / "good.fits", fitsHeader("8", "3"));
     writeFile(folder / "odd.fits", fitsHeader("-3", "3"));
     writeFile(folder / "deep.sgi", std::string("\x01\xda\0\xfd\0\3\0\5\0\3\0\3", 12) + std::string(500, '\0'));
+    writeFile(folder / "small.ico", std::string("\0\0\1\0\1\0\x8\x8\0\0\1\0\x18\0\xe8\0\0\0\x16\0\0\0", 22) +
+                                        std::string("\x28\0\0\0\x8\0\0\0\x10\0\0\0\1\0\x18", 15) +
+                                        std::string(217, '\0'));
+    mkfifo((folder / "pipe.png").c_str(), 0600);
+    std::filesystem::create_symlink("/dev/zero", folder / "zero.png");
     for (const char* name : {"good.png", "good.jpg"}) {
         const std::string whole = readFile(folder / name);
         writeFile(folder / ("cut-" + std::string(name)), whole.substr(0, whole.size() * 2 / 3));
@@ -86,8 +100,13 @@ TEST(Refusals, AreOneLineAndLeaveWhatWasThere) {
         {"vast picture", "vast.ppm", "out.png", "vast.ppm: is 100000 by 100000 pixels, and the OpenGL"},
         {"picture of negative height", "void.fits", "out.png", "void.fits: is 4 by -1 pixels"},
         {"samples of no type", "odd.fits", "out.png", "odd.fits: is damaged: its samples"},
+        {"icon of 24 bits", "small.ico", "out.png", "small.ico: can't be read: of icons"},
+        {"pipe", "pipe.png", "out.png", "pipe.png: can't be read: not a regular file"},
+        {"device", "zero.png", "out.png", "zero.png: can't be read: not a regular file"},
         {"253 bytes a sample", "deep.sgi", "out.png", "deep.sgi: is damaged"},
         {"two colours", "two.exr", "out.png", "two.exr: its channels R, G make neither"},
+        {"inks with alpha", "inks.tif", "out.png", "inks.tif: its channels ink0, ink1"},
+        {"FITS", "good.fits", "out.png", "good.fits: can't be read: OpenImageIO takes the rows"},
         {"deep picture", "samples.exr", "out.png", "samples.exr: holds a deep"},
         {"unknown format", "good.png", "out.nothing", "out.nothing: can't be written: no picture format"},
         {"format that takes no such picture", "good.png", "out.zfile", "out.zfile: can't be written"},
