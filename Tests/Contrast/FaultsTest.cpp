@@ -27,9 +27,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(API, FaultsBesideAHost, testing::Values(EGL_OPENGL_API, EGL_OPENGL_ES_API),
                          [](const auto& api) { return apiName(api.param); });
 
-/// Another size than that of the frames between, so that the targets are made, too.
+/// Of the size of the frames between, so that what it leaves meets the next, and of another, so that the targets are
+/// made, too.
 TEST_P(FaultsBesideAHost, OfAFrame) {
-    sweep("a frame", 1, [this](FaultPlan& plan) { return render(plan, {31, 19}); });
+    for (const Size size : {Size{7, 5}, {31, 19}})
+        sweep("a frame", 1, [this, size](FaultPlan& plan) { return render(plan, size); });
 }
 
 /// Where the size stays, nothing but the frame itself gives its target back.
