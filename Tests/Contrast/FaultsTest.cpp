@@ -34,14 +34,6 @@ TEST_P(FaultsBesideAHost, OfAFrame) {
         sweep("a frame", 1, [this, size](FaultPlan& plan) { return render(plan, size); });
 }
 
-/// Where the size stays, nothing but the frame itself gives its target back.
-TEST_F(Faults, OfAFrameOfTheSizeBefore) {
-    check([&] {
-        FaultPlan plan{{.call = "AcquireSuite AEGP Item Suite"}};
-        EXPECT_EQ(render(plan, {7, 5}).error, PF_Err_BAD_CALLBACK_PARAM);
-    });
-}
-
 /// The first frame of a thread after a set-up makes the thread's context, the programs of the passes and the targets.
 TEST_F(Faults, OfALife) {
     sweep("a life", 4, [this](FaultPlan& plan) {
