@@ -111,6 +111,7 @@ TEST(Context, FlushesWhatItLeaves) {
 
 /// Whichever of the driver's limits is the lowest.
 TEST(Context, KnowsTheLongestSide) {
+    const AEOpenGLContext known(nullptr); // until there is one, the binding takes no callbacks
     auto& getInteger = glbinding::Binding::GetIntegerv;
     for (const GLenum limit : {GL_MAX_TEXTURE_SIZE, GL_MAX_RENDERBUFFER_SIZE, GL_MAX_VIEWPORT_DIMS}) {
         getInteger.addCallbackMask(glbinding::CallbackMask::After);

@@ -119,7 +119,7 @@ TEST(IdleQueue, FailingTasksLeaveTheQueueIntact) {
 // Every task runs or is dropped exactly once, and each consumer meets each producer's in order. Producers wait while
 // about `backlog` tasks are alive; where that is one, consumers fight over each.
 void handleTraffic(int consumers, bool clearing, int backlog) {
-    constexpr int kProducers = 4, kTasks = 2000;
+    constexpr int kProducers = 4, kTasks = 500;
     IdleQueue queue;
     std::array<std::array<std::atomic<int>, kTasks>, kProducers> ran{};
     std::atomic<int> added = 0, gone = 0;
@@ -156,9 +156,9 @@ void handleTraffic(int consumers, bool clearing, int backlog) {
             EXPECT_TRUE(times == 1 || (clearing && times == 0)) << "ran " << times << " times";
 }
 
-TEST(IdleQueue, ServesManyProducersAndOneConsumer) { handleTraffic(1, false, 2000); }
+TEST(IdleQueue, ServesManyProducersAndOneConsumer) { handleTraffic(1, false, 500); }
 TEST(IdleQueue, GivesATaskThatConsumersFightOverToOne) { handleTraffic(3, false, 1); }
-TEST(IdleQueue, IsClearedBesideProducersAndConsumers) { handleTraffic(2, true, 2000); }
+TEST(IdleQueue, IsClearedBesideProducersAndConsumers) { handleTraffic(2, true, 500); }
 
 } // namespace
 
