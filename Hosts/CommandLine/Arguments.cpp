@@ -83,6 +83,7 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
     app.add_option("--part", texts.part, "Of these frames, the K-th of N equal parts, for several machines to share")
         ->type_name("K/N");
     app.add_flag("--skip-existing", arguments.shot.skipExisting, "Leave out frames whose output is there already");
+    app.add_flag("-n,--no-overwrite", arguments.noOverwrite, "Leave an OUTPUT that is there already, as a failure");
     app.add_flag("--list-missing", arguments.listMissing,
                  "Print the frames whose output isn't there yet, as --frames takes them, and render nothing");
     app.add_option(
@@ -119,7 +120,7 @@ template <typename Parse> auto parsed(const std::string& option, const std::stri
     try {
         return parse(text);
     } catch (const Failure& failure) {
-        throw Failure(option + " " + text + ": " + failure.what());
+        throw UsageError(option + " " + text + ": " + failure.what());
     }
 }
 

@@ -23,6 +23,8 @@ struct Arguments {
     ShotRequest shot;
     /// Render nothing, and tell which frames' output isn't there: those that `shot` then comes to.
     bool listMissing = false;
+    /// Leave outputs that are there, as a failure.
+    bool noOverwrite = false;
     /// Write before and after side by side.
     bool compare = false;
     /// The compression of the output as OpenImageIO names it, with a level after a colon where it has one. Empty: the
@@ -40,8 +42,7 @@ struct Arguments {
 };
 
 /// Reads the command line, with an option for each slider of the plug-in that `plugin` registers.
-/// @throw UsageError where it isn't one of the program's, Failure which names option and value where a value is no
-/// good.
+/// @throw UsageError where it isn't one of the program's; it names option and value where a value is no good.
 Arguments parseArguments(int count, const char* const* words, const Registration& plugin,
                          const std::vector<Slider>& sliders);
 

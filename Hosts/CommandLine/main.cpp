@@ -74,7 +74,8 @@ int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& str
         listMissing(shot, streams);
         return kDone;
     }
-    const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression};
+    const OutputRules rules{!arguments.noOverwrite, [] { return StopSignals::requested() != 0; }};
+    const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression, rules};
     setUp(effect);
     if (arguments.verbosity == Verbosity::Verbose)
         streams.releaseLibraryText();
@@ -88,8 +89,8 @@ int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& str
 
 int renderSheet(Effect& effect, const std::vector<Slider>& sliders, const Arguments& arguments,
                 StandardStreams& streams) {
-    const ContactSheet sheet{firstInput(arguments.shot), arguments.sheet, arguments.lists, arguments.compression,
-                             requireDriver()};
+    const ContactSheet sheet{firstInput(arguments.shot), arguments.sheet, arguments.lists,
+                             arguments.compression,      requireDriver(), {!arguments.noOverwrite, {}}};
     setUp(effect);
     for (const std::string& loss : writeContactSheet(effect, sliders, sheet))
         if (arguments.verbosity != Verbosity::Quiet)

@@ -12,7 +12,7 @@ _ombrique_render() {
     *)
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '
-                --contrast --brightness --frames --part --skip-existing --list-missing --jobs --compare --sheet
+                --contrast --brightness --frames --part --skip-existing -n --no-overwrite --list-missing --jobs --compare --sheet
                 --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
             return
         fi

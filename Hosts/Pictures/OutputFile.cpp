@@ -3,12 +3,16 @@
 #include "Hosts/Pictures/Failure.h"
 
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace Ombrique::Hosts {
 
@@ -67,15 +71,19 @@ std::size_t DescriptorProxy::size() const {
     return fstat(mDescriptor, &status) == 0 ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
-OutputFile::OutputFile(const std::filesystem::path& path) : mAskedFor(path), mTarget(path) {
+OutputFile::OutputFile(const std::filesystem::path& path, OutputRules rules)
+    : mRules(std::move(rules)), mAskedFor(path), mTarget(path) {
+    // The links of a path that leads nowhere yet, too.
     std::error_code error;
-    if (std::filesystem::is_symlink(path, error)) {
-        mTarget = std::filesystem::weakly_canonical(path, error);
-        if (error)
-            fail(error.value());
+    for (int links = 0; std::filesystem::is_symlink(mTarget, error); ++links) {
+        if (links == 40) // as many as the system follows
+            fail(ELOOP);
+        mTarget = mTarget.parent_path() / std::filesystem::read_symlink(mTarget);
     }
     struct stat existing {};
     if (stat(mTarget.c_str(), &existing) == 0) {
+        if (!mRules.mayReplace)
+            failAsItExists();
         if (!S_ISREG(existing.st_mode))
             fail(S_ISDIR(existing.st_mode) ? EISDIR : ENOTSUP);
         if (access(mTarget.c_str(), W_OK) != 0)
@@ -97,15 +105,22 @@ void OutputFile::openPartial() {
     // Whoever held the lock before may have given the file its final name meanwhile: then the name is free again, or
     // stands for another file.
     for (;;) {
-        mDescriptor = open(mPartial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-        if (mDescriptor < 0)
+        mDescriptor = open(mPartial.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+        struct stat status {};
+        const bool isPlanted =
+            mDescriptor < 0 ? errno == ELOOP
+                            : fstat(mDescriptor, &status) == 0 && (!S_ISREG(status.st_mode) || status.st_nlink > 1);
+        if (mDescriptor < 0 && !isPlanted)
             fail(errno);
-        // Where a file system has no locks, there is no waiting for each other.
-        while (flock(mDescriptor, LOCK_EX) != 0 && errno == EINTR) {
+        if (!isPlanted) {
+            awaitLock();
+            if (isStillPartial())
+                break;
         }
-        if (isStillPartial())
-            break;
-        close(mDescriptor);
+        if (mDescriptor >= 0)
+            close(mDescriptor);
+        if (isPlanted && unlink(mPartial.c_str()) != 0 && errno != ENOENT)
+            fail(errno);
     }
     if (ftruncate(mDescriptor, 0) != 0) {
         const int errorNumber = errno;
@@ -114,10 +129,23 @@ void OutputFile::openPartial() {
     }
 }
 
+/// A signal may reach any thread, so the wait looks up now and then.
+void OutputFile::awaitLock() {
+    using namespace std::chrono_literals;
+    // Where a file system has no locks, there is no waiting for each other.
+    while (flock(mDescriptor, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR)) {
+        if (mRules.stopRequested && mRules.stopRequested()) {
+            close(mDescriptor);
+            throw Failure(mAskedFor.string() + ": not written: stopped while another program writes it");
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+}
+
 bool OutputFile::isStillPartial() const {
     struct stat opened {};
     struct stat named {};
-    return fstat(mDescriptor, &opened) == 0 && stat(mPartial.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
+    return fstat(mDescriptor, &opened) == 0 && lstat(mPartial.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
            opened.st_dev == named.st_dev;
 }
 
@@ -130,9 +158,19 @@ void OutputFile::commit() {
         throw Failure(mAskedFor.string() + ": nothing was written");
     makeLasting();
     struct stat replaced {};
-    if (stat(mTarget.c_str(), &replaced) == 0 && chmod(mPartial.c_str(), replaced.st_mode & 07777) != 0)
-        fail(errno);
-    if (rename(mPartial.c_str(), mTarget.c_str()) != 0)
+    if (stat(mTarget.c_str(), &replaced) == 0) {
+        // Before the permissions, of which a change of group takes some away.
+        static_cast<void>(chown(mPartial.c_str(), static_cast<uid_t>(-1), replaced.st_gid) == 0);
+        if (chmod(mPartial.c_str(), replaced.st_mode & 07777) != 0)
+            fail(errno);
+    }
+    int moved = mRules.mayReplace ? rename(mPartial.c_str(), mTarget.c_str())
+                                  : renameat2(AT_FDCWD, mPartial.c_str(), AT_FDCWD, mTarget.c_str(), RENAME_NOREPLACE);
+    if (moved != 0 && errno == EINVAL) // from file systems that know no such flag
+        moved = rename(mPartial.c_str(), mTarget.c_str());
+    if (moved != 0 && errno == EEXIST && !mRules.mayReplace)
+        failAsItExists();
+    if (moved != 0)
         fail(errno);
     mCommitted = true;
 }
@@ -148,6 +186,8 @@ void OutputFile::makeLasting() const {
     if (errorNumber != 0)
         fail(errorNumber);
 }
+
+void OutputFile::failAsItExists() const { throw Failure(mAskedFor.string() + ": not written: it exists"); }
 
 void OutputFile::fail(int errorNumber) const {
     throw Failure(mAskedFor.string() + ": can't be written: " + std::generic_category().message(errorNumber));

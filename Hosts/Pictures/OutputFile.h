@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 
 namespace Ombrique::Hosts {
 
@@ -31,17 +32,26 @@ private:
     int mErrorNumber = 0;
 };
 
+/// What holds for all outputs of a run.
+struct OutputRules {
+    /// Whether an output that is there is replaced; it is refused otherwise.
+    bool mayReplace = true;
+    /// Where it is set: whether to give up waiting for another program. Any thread.
+    std::function<bool()> stopRequested;
+};
+
 /// A file that appears whole or not at all: it is written under another name in the same folder, and takes its own name
 /// only when it is complete. Whatever stood under that name stays as it was until then, also when the program is killed
 /// on the way. What a killed run leaves behind is a hidden file, `.NAME.partial.EXTENSION`, which the next run that
-/// writes the same file takes over. Two programs that write the same file wait for each other.
+/// writes the same file takes over. Two programs that write the same file wait for each other. A link under the hidden
+/// name, which somebody else planted, is replaced and never followed.
 ///
 /// All failures are thrown as Failure and name the file.
 class OutputFile {
 public:
     /// Makes the partial file. An output that is a symbolic link stays one: what it points to is written. An output
     /// that is a folder, or that the user may not write to, is refused.
-    explicit OutputFile(const std::filesystem::path& path);
+    explicit OutputFile(const std::filesystem::path& path, OutputRules rules = {});
     /// Removes the partial file, unless it was committed.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -52,7 +62,7 @@ public:
     /// The partial file, open for reading and writing, at its beginning.
     int descriptor() const { return mDescriptor; }
     /// Writes the partial file through to the disk, and gives it the output's name and the permissions of the file that
-    /// it replaces. An empty file is refused.
+    /// it replaces, and its group where the system lets us. An empty file is refused.
     void commit();
 
     /// Throws for an error number.
@@ -60,9 +70,12 @@ public:
 
 private:
     void openPartial();
+    void awaitLock();
     bool isStillPartial() const;
+    [[noreturn]] void failAsItExists() const;
     void makeLasting() const;
 
+    OutputRules mRules;
     std::filesystem::path mAskedFor;
     std::filesystem::path mTarget;
     std::filesystem::path mPartial;

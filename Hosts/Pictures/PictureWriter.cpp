@@ -176,8 +176,10 @@ std::unique_ptr<OIIO::ImageOutput> encoderFor(const std::filesystem::path& path)
 
 } // namespace
 
-PictureWriter::PictureWriter(const std::filesystem::path& path, const std::string& compression)
-    : mPath(path), mCompression(compression), mFile(path), mProxy(mFile.descriptor()), mEncoder(encoderFor(path)) {
+PictureWriter::PictureWriter(const std::filesystem::path& path, const std::string& compression,
+                             const OutputRules& rules)
+    : mPath(path), mCompression(compression), mFile(path, rules), mProxy(mFile.descriptor()),
+      mEncoder(encoderFor(path)) {
     requireCompression(compression, mEncoder->format_name());
 }
 

@@ -179,7 +179,7 @@ std::vector<std::string> writeContactSheet(Effect& effect, const std::vector<Sli
         throw Failure(sheet.output.string() + ": would have more than " + std::to_string(kMostCells) + " pictures");
     ParameterValues values = fixedValues(sliders, sheet);
     PictureReader reader(sheet.input, sheet.longestSide);
-    PictureWriter writer(sheet.output, sheet.compression);
+    PictureWriter writer(sheet.output, sheet.compression, sheet.rules);
     World picture(reader.width(), reader.height());
     reader.read(picture);
     World small = reduced(picture);

@@ -2,6 +2,7 @@
 
 #include "Hosts/Engine/Effect.h"
 #include "Hosts/Engine/Slider.h"
+#include "Hosts/Pictures/OutputFile.h"
 
 #include <filesystem>
 #include <map>
@@ -21,6 +22,7 @@ struct ContactSheet {
     std::string compression;
     /// The longest side of a picture that the driver can hold, in pixels.
     int longestSide = 0;
+    OutputRules rules = {};
 };
 
 /// Writes a contact sheet of a picture: its reduction under each pair of values of the first two sliders, with the

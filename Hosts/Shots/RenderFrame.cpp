@@ -12,7 +12,7 @@ namespace Ombrique::Hosts {
 std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame, const FrameSettings& settings,
                                      FrameWorlds& worlds) {
     PictureReader reader(frame.input, settings.longestSide);
-    PictureWriter writer(frame.output, settings.compression);
+    PictureWriter writer(frame.output, settings.compression, settings.rules);
     worlds.fit(reader.width(), reader.height());
     reader.read(*worlds.input);
     requireRendered(queue,

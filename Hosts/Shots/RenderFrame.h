@@ -2,6 +2,7 @@
 
 #include "Hosts/Engine/RenderQueue.h"
 #include "Hosts/Pictures/Failure.h"
+#include "Hosts/Pictures/OutputFile.h"
 #include "Hosts/Shots/FrameMemory.h"
 #include "Hosts/Shots/Shot.h"
 
@@ -18,6 +19,7 @@ struct FrameSettings {
     bool compare = false;
     /// See PictureWriter.
     std::string compression;
+    OutputRules rules = {};
 };
 
 /// Renders through `renderer`, a CheckedRenderer or a RenderQueue. `name` is the picture's file.

@@ -30,6 +30,21 @@ std::optional<FramePattern> patternOf(const std::string& input) {
     return std::filesystem::exists(input, error) ? std::nullopt : FramePattern::parse(input);
 }
 
+/// Whether a name is a pattern and nothing else: a single "@" is often meant as it is.
+bool isPatternForSure(const std::filesystem::path& path) {
+    const std::string name = path.filename().string();
+    return FramePattern::parse(path) &&
+           (name.find_first_of("#%") != std::string::npos || name.find("@@") != std::string::npos);
+}
+
+/// A second run would correct the shot twice.
+void requireApart(const ShotFrame& frame) {
+    std::error_code error;
+    if (std::filesystem::equivalent(frame.input, frame.output, error) ||
+        frame.input.lexically_normal() == frame.output.lexically_normal())
+        throw UsageError(frame.output.string() + " would replace its own input");
+}
+
 std::vector<int> framesOf(const ShotRequest& request, const std::optional<FramePattern>& input) {
     if (request.frames)
         return *request.frames;
@@ -56,6 +71,8 @@ Shot planShot(const ShotRequest& request) {
     if (numbers.size() > 1 && !output)
         throw UsageError("OUTPUT " + request.output +
                          " has no place for the number of a frame, as ####, and there are several frames");
+    if (!input && !request.frames && isPatternForSure(request.output) && !std::filesystem::exists(request.output))
+        throw UsageError("OUTPUT " + request.output + " is the pattern of a shot, and INPUT is a single picture");
     requireFolder(request.output);
 
     Shot shot;
@@ -63,6 +80,8 @@ Shot planShot(const ShotRequest& request) {
     for (const int number : numbers) {
         ShotFrame frame{number, input ? input->at(number) : std::filesystem::path(request.input),
                         output ? output->at(number) : std::filesystem::path(request.output)};
+        if (shot.isSequence)
+            requireApart(frame);
         if (request.skipExisting && isDone(frame.output))
             ++shot.skipped;
         else

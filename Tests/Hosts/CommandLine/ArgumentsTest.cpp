@@ -22,51 +22,43 @@ Arguments parse(Words words) {
 struct BadLine {
     const char* name;
     Words words;
-    /// The exit status that it leads to.
-    int status;
     /// What the only line has to tell.
     const char* complaint;
 };
 
 TEST(ArgumentsTest, SayWhatIsWrongInOneLine) {
     const BadLine rows[] = {
-        {"contrast above its range", {"a", "b", "--contrast", "10.01"}, 1, "--contrast 10.01: out of range"},
-        {"contrast below its range", {"a", "b", "--contrast", "-0.01"}, 1, "0 to 10"},
-        {"brightness out of range", {"a", "b", "--brightness", "-101"}, 1, "-100 to 100"},
-        {"infinite brightness", {"a", "b", "--brightness", "inf"}, 1, "--brightness inf"},
-        {"brightness beyond numbers", {"a", "b", "--brightness", "1e999"}, 1, "out of range"},
-        {"not a number", {"a", "b", "--contrast", "nan"}, 1, "--contrast nan: not a number"},
-        {"number with a tail", {"a", "b", "--contrast", "1,5"}, 1, "--contrast 1,5: not a number"},
-        {"bad key", {"a", "b", "--contrast", "8:1,9"}, 1, "\"9\" is no key"},
-        {"list without a sheet", {"a", "b", "--contrast", "1,2"}, 1, "--contrast 1,2"},
-        {"keys for a sheet", {"a", "--sheet", "s", "--contrast", "1:2"}, 1, "--contrast 1:2"},
-        {"bad range", {"a", "b", "--frames", "9-8"}, 1, "--frames 9-8"},
-        {"bad part", {"a", "b", "--part", "3/2"}, 1, "--part 3/2"},
-        {"empty number", {"a", "b", "--contrast="}, 2, "--contrast"},
-        {"no job", {"a", "b", "--jobs", "0"}, 2, "--jobs"},
-        {"quiet and verbose", {"a", "b", "-q", "-v"}, 2, "--quiet"},
-        {"sheet and output", {"a", "b", "--sheet", "s"}, 2, "--sheet"},
-        {"sheet and comparison", {"a", "--sheet", "s", "--compare"}, 2, "--sheet"},
-        {"no arguments", {}, 2, "INPUT"},
-        {"no output", {"a"}, 2, "OUTPUT"},
-        {"one file too many", {"a", "b", "more.png"}, 2, "more.png"},
-        {"unknown option", {"a", "b", "--contrats", "2"}, 2, "--contrats"},
-        {"option without value", {"a", "b", "--contrast"}, 2, "--contrast"},
+        {"contrast above its range", {"a", "b", "--contrast", "10.01"}, "--contrast 10.01: out of range"},
+        {"contrast below its range", {"a", "b", "--contrast", "-0.01"}, "0 to 10"},
+        {"brightness out of range", {"a", "b", "--brightness", "-101"}, "-100 to 100"},
+        {"infinite brightness", {"a", "b", "--brightness", "inf"}, "--brightness inf"},
+        {"brightness beyond numbers", {"a", "b", "--brightness", "1e999"}, "out of range"},
+        {"not a number", {"a", "b", "--contrast", "nan"}, "--contrast nan: not a number"},
+        {"number with a tail", {"a", "b", "--contrast", "1,5"}, "--contrast 1,5: not a number"},
+        {"bad key", {"a", "b", "--contrast", "8:1,9"}, "\"9\" is no key"},
+        {"list without a sheet", {"a", "b", "--contrast", "1,2"}, "--contrast 1,2"},
+        {"keys for a sheet", {"a", "--sheet", "s", "--contrast", "1:2"}, "--contrast 1:2"},
+        {"bad range", {"a", "b", "--frames", "9-8"}, "--frames 9-8"},
+        {"bad part", {"a", "b", "--part", "3/2"}, "--part 3/2"},
+        {"empty number", {"a", "b", "--contrast="}, "--contrast"},
+        {"no job", {"a", "b", "--jobs", "0"}, "--jobs"},
+        {"quiet and verbose", {"a", "b", "-q", "-v"}, "--quiet"},
+        {"sheet and output", {"a", "b", "--sheet", "s"}, "--sheet"},
+        {"sheet and comparison", {"a", "--sheet", "s", "--compare"}, "--sheet"},
+        {"no arguments", {}, "INPUT"},
+        {"no output", {"a"}, "OUTPUT"},
+        {"one file too many", {"a", "b", "more.png"}, "more.png"},
+        {"unknown option", {"a", "b", "--contrats", "2"}, "--contrats"},
+        {"option without value", {"a", "b", "--contrast"}, "--contrast"},
     };
     for (const BadLine& row : rows) {
         SCOPED_TRACE(row.name);
-        int status = 0;
         std::string text;
         try {
             parse(row.words);
         } catch (const UsageError& error) {
-            status = 2;
             text = error.what();
-        } catch (const Failure& failure) {
-            status = 1;
-            text = failure.what();
         }
-        EXPECT_EQ(status, row.status);
         EXPECT_NE(text.find(row.complaint), std::string::npos) << text;
         EXPECT_EQ(text.find('\n'), std::string::npos) << text;
     }

@@ -103,6 +103,36 @@ TEST_F(Output, KeepsLinksAndPermissions) {
     EXPECT_EQ(folder.names(), (std::set<std::string>{"link.png", "out.png"}));
 }
 
+/// Links under the hidden name, as somebody else may plant them in a shared folder, and an output that leads nowhere.
+TEST_F(Output, GoesThroughItsOwnLinksAlone) {
+    writeFile(folder / "precious", "precious");
+    std::filesystem::create_symlink("precious", folder / ".a.png.partial.png");
+    std::filesystem::create_hard_link(folder / "precious", folder / ".b.png.partial.png");
+    std::filesystem::create_symlink("target.png", folder / "dangling.png");
+    std::filesystem::create_symlink("ring.png", folder / "ring.png");
+    for (const char* name : {"a.png", "b.png", "dangling.png"})
+        write(name, name);
+    EXPECT_THROW(write("ring.png", "x"), Failure);
+    EXPECT_EQ(readFile(folder / "precious"), "precious");
+    EXPECT_EQ(readFile(folder / "target.png"), "dangling.png");
+    EXPECT_EQ(folder.names(),
+              (std::set<std::string>{"a.png", "b.png", "dangling.png", "precious", "ring.png", "target.png"}));
+}
+
+TEST_F(Output, IsLeftWhereItMayNotBeReplaced) {
+    OutputFile file(folder / "out.png", {false, {}});
+    EXPECT_EQ(::write(file.descriptor(), "new", 3), 3);
+    writeFile(folder / "out.png", "precious"); // by another program, meanwhile
+    EXPECT_THROW(file.commit(), Failure);
+    EXPECT_THROW(OutputFile(folder / "out.png", {false, {}}), Failure);
+    EXPECT_EQ(readFile(folder / "out.png"), "precious");
+}
+
+TEST_F(Output, WaitsNoLongerThanItMay) {
+    const OutputFile first(folder / "out.png");
+    EXPECT_THROW(OutputFile(folder / "out.png", {true, [] { return true; }}), Failure);
+}
+
 /// Locks belong to open files, so two threads meet as two programs do.
 TEST_F(Output, OfTwoProgramsIsOneOfTheirs) {
     const std::string contents[] = {std::string(3, 'a'), std::string(200'000, 'b')};

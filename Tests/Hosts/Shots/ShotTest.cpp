@@ -65,16 +65,19 @@ TEST_F(Shots, ArePlanned) {
     EXPECT_EQ(framesOf(missing), std::vector{8});
 
     writeFile(folder / "v#.png", "one picture, by its very name");
-    const Shot one = planShot(request(nullptr, "v#.png", "v#.out.png"));
+    const Shot one = planShot(request(nullptr, "v#.png", "v.out.png"));
     ASSERT_EQ(one.frames.size(), 1u);
     EXPECT_EQ(one.frames[0].input, folder / "v#.png");
-    EXPECT_EQ(one.frames[0].output, folder / "v#.out.png");
+    EXPECT_EQ(one.frames[0].output, folder / "v.out.png");
 }
 
 TEST_F(Shots, ArePlannedOnlyWhereFramesAndFilesFit) {
     EXPECT_THROW(planShot(request(nullptr, "no.####.png")), Failure);
     EXPECT_THROW(planShot(request(nullptr, "in.####.png", "none/out-%d.png")), Failure);
     EXPECT_THROW(planShot(request(nullptr, "in.####.png", "out.png")), UsageError);
+    EXPECT_THROW(planShot(request(nullptr, "in.####.png", "in.%04d.png")), UsageError); // it would be corrected twice
+    EXPECT_THROW(planShot(request(nullptr, "in.0008.png", "out-%d.png")), UsageError);
+    EXPECT_EQ(planShot(request(nullptr, "in.0008.png", "out@2x.png")).frames[0].output, folder / "out@2x.png");
 }
 
 /// With the real effect; keeps what it is told.
