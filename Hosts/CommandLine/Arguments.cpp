@@ -64,6 +64,7 @@ std::string footer(const std::vector<Slider>& sliders) {
 
 /// The command line as text: numbers are read later, so that a wrong one is told apart from a wrong command line.
 struct Texts {
+    std::vector<std::string> files;
     std::optional<std::string> frames;
     std::optional<std::string> part;
     std::map<int, std::optional<std::string>> sliders;
@@ -72,8 +73,13 @@ struct Texts {
 };
 
 void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::vector<Slider>& sliders) {
-    app.add_option("INPUT", arguments.shot.input, "The picture to correct, or the pattern of a shot");
-    app.add_option("OUTPUT", arguments.shot.output, "Where the corrected picture or shot goes");
+    app.add_option("FILE", texts.files,
+                   "INPUT, the picture to correct or the pattern of a shot, and OUTPUT, where it goes; with --into, "
+                   "pictures to correct");
+    app.add_option("--into", arguments.shot.into, "The folder that many pictures go into, each under its own name")
+        ->type_name("FOLDER");
+    app.add_option("--format", arguments.shot.format, "With --into, the extension that the outputs get, as png")
+        ->type_name("EXTENSION");
     for (const Slider& slider : sliders)
         app.add_option("--" + slider.word(), texts.sliders[slider.index], slider.name + ": " + slider.describeRange())
             ->type_name("X");
@@ -103,16 +109,28 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
     app.add_flag("--about", arguments.about, "Print what the plug-in says of itself, and its parameters");
 }
 
-void requireFiles(const Arguments& arguments) {
+/// Gives the files their parts, and requires all that are needed.
+void assignFiles(Arguments& arguments, const std::vector<std::string>& files) {
+    ShotRequest& shot = arguments.shot;
     if (arguments.about)
         return;
-    if (arguments.shot.input.empty())
+    if (files.empty())
         throw CLI::RequiredError("INPUT");
-    if (arguments.sheet.empty() && arguments.shot.output.empty())
-        throw CLI::RequiredError("OUTPUT");
     if (!arguments.sheet.empty() &&
-        (!arguments.shot.output.empty() || arguments.compare || arguments.shot.skipExisting || arguments.listMissing))
+        (files.size() > 1 || arguments.compare || shot.skipExisting || arguments.listMissing || !shot.into.empty()))
         throw CLI::ValidationError("--sheet", "goes with INPUT and the sliders alone");
+    if (!shot.format.empty() && shot.into.empty())
+        throw CLI::ValidationError("--format", "goes with --into; the extension of OUTPUT tells its format");
+    shot.input = files.front();
+    if (!shot.into.empty()) {
+        shot.pictures = files;
+    } else if (arguments.sheet.empty()) {
+        if (files.size() < 2)
+            throw CLI::RequiredError("OUTPUT");
+        if (files.size() > 2)
+            throw CLI::ValidationError(files[2], "there is one OUTPUT; many pictures go --into a folder");
+        shot.output = files[1];
+    }
 }
 
 /// What `parse` reads in the text of an option. Its failures get the option and the text in front.
@@ -136,7 +154,7 @@ Arguments parseArguments(int count, const char* const* words, const Registration
     addOptions(app, arguments, texts, sliders);
     try {
         app.parse(count, words);
-        requireFiles(arguments);
+        assignFiles(arguments, texts.files);
     } catch (const CLI::CallForHelp&) {
         arguments.answer = app.help();
         return arguments;

@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 
 constexpr auto kBetweenBars = 100ms;
 constexpr auto kBetweenLines = 5s;
+/// A shot whose disk has gone fails thousands of times for one reason.
+constexpr std::size_t kMostTold = 20;
 constexpr const char* kClearLine = "\r\x1b[K";
 
 std::string decimal(double value, int digits) {
@@ -78,7 +80,8 @@ void RunReport::frameDone(const ShotFrame& frame, const std::vector<std::string>
 void RunReport::frameFailed(const ShotFrame& frame, std::initializer_list<std::string_view> text) noexcept {
     const std::lock_guard lock(mMutex);
     mFailed.push_back(frame.number);
-    printLine(text);
+    if (mFailed.size() <= kMostTold)
+        printLine(text);
     tellIfPossible([this] { showProgress(); });
 }
 
@@ -90,6 +93,8 @@ void RunReport::end(int signal) {
         printLine({std::to_string(mDone) + " of " + std::to_string(mTotal) + " frames in " + clockText(elapsed) + ", " +
                        decimal(mDone / std::max(elapsed, 1e-3), 1) + " frames/s",
                    mSkipped > 0 ? "; " + std::to_string(mSkipped) + " more were there" : ""});
+    if (mFailed.size() > kMostTold)
+        printLine({std::to_string(mFailed.size() - kMostTold), " more failed"});
     if (mIsSequence && !mFailed.empty())
         printLine({"failed: ", describeFrames(mFailed)});
     if (signal != 0)

@@ -74,6 +74,8 @@ int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& str
         listMissing(shot, streams);
         return kDone;
     }
+    if (!shot.gaps.empty() && arguments.verbosity != Verbosity::Quiet)
+        streams.printMessage({"ombrique-render: note: ", arguments.shot.input, ": ", shot.gaps, "\n"});
     const OutputRules rules{!arguments.noOverwrite, [] { return StopSignals::requested() != 0; }};
     const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression, rules};
     setUp(effect);

@@ -7,13 +7,13 @@ _ombrique_render() {
     [ "$before" != = ] || before=${COMP_WORDS[COMP_CWORD - 2]}
     COMPREPLY=()
     case $before in
-    --contrast | --brightness | --frames | --part | --jobs | --compression) return ;;
-    --sheet) ;;
+    --contrast | --brightness | --frames | --part | --jobs | --compression | --format) return ;;
+    --sheet | --into) ;;
     *)
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '
-                --contrast --brightness --frames --part --skip-existing -n --no-overwrite --list-missing --jobs --compare --sheet
-                --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
+                --into --format --contrast --brightness --frames --part --skip-existing -n --no-overwrite --list-missing
+                --jobs --compare --sheet --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
             return
         fi
         ;;

@@ -13,6 +13,10 @@ std::vector<int> parseFrameRanges(const std::string& text);
 /// The shortest such text for ascending frames without repeats, for people: "1-10,20".
 std::string describeFrames(const std::vector<int>& frames);
 
+/// "frames 4 and 7-8 are missing", for the holes between ascending frames; of many holes, the first ten. Empty where
+/// there are none.
+std::string describeGaps(const std::vector<int>& frames);
+
 /// One of the equal parts of a shot that several machines share, counted from 1.
 struct FramePart {
     int place = 1;

@@ -3,6 +3,8 @@
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Shots/FramePattern.h"
 
+#include <map>
+#include <numeric>
 #include <system_error>
 
 namespace Ombrique::Hosts {
@@ -63,23 +65,64 @@ std::filesystem::path firstInput(const ShotRequest& request) {
     return input ? input->at(framesOf(request, input).front()) : std::filesystem::path(request.input);
 }
 
-Shot planShot(const ShotRequest& request) {
+namespace {
+
+/// The frames of a shot, or one picture.
+std::vector<ShotFrame> shotFrames(const ShotRequest& request, Shot& shot) {
     const auto input = patternOf(request.input);
     const auto output = input || request.frames ? FramePattern::parse(request.output) : std::nullopt;
-    // Before any are left out: a part is the same on all machines, however far they are.
-    const std::vector<int> numbers = framesOfPart(framesOf(request, input), request.part);
+    const std::vector<int> all = framesOf(request, input);
+    const std::vector<int> numbers = framesOfPart(all, request.part);
     if (numbers.size() > 1 && !output)
         throw UsageError("OUTPUT " + request.output +
                          " has no place for the number of a frame, as ####, and there are several frames");
     if (!input && !request.frames && isPatternForSure(request.output) && !std::filesystem::exists(request.output))
         throw UsageError("OUTPUT " + request.output + " is the pattern of a shot, and INPUT is a single picture");
     requireFolder(request.output);
-
-    Shot shot;
     shot.isSequence = output.has_value();
-    for (const int number : numbers) {
-        ShotFrame frame{number, input ? input->at(number) : std::filesystem::path(request.input),
-                        output ? output->at(number) : std::filesystem::path(request.output)};
+    if (!request.frames)
+        shot.gaps = describeGaps(all);
+    std::vector<ShotFrame> frames;
+    for (const int number : numbers)
+        frames.push_back({number, input ? input->at(number) : std::filesystem::path(request.input),
+                          output ? output->at(number) : std::filesystem::path(request.output)});
+    return frames;
+}
+
+/// Many pictures, each under its own name.
+std::vector<ShotFrame> pictureFrames(const ShotRequest& request, Shot& shot) {
+    const std::filesystem::path folder = request.into;
+    requireFolder(folder / "");
+    std::map<std::filesystem::path, std::string> inputs;
+    std::vector<ShotFrame> all;
+    for (const std::string& picture : request.pictures) {
+        std::filesystem::path output = folder / std::filesystem::path(picture).filename();
+        if (!request.format.empty())
+            output.replace_extension(request.format);
+        if (const auto [other, isNew] = inputs.emplace(output, picture); !isNew)
+            throw UsageError(other->second + " and " + picture + " would both become " + output.string());
+        all.push_back({static_cast<int>(all.size()) + 1, picture, output});
+    }
+    shot.isSequence = true;
+    std::vector<int> numbers(all.size());
+    std::iota(numbers.begin(), numbers.end(), 1);
+    if (request.frames)
+        numbers = *request.frames;
+    std::vector<ShotFrame> frames;
+    for (const int number : framesOfPart(numbers, request.part)) {
+        if (number < 1 || number > std::ssize(all))
+            throw UsageError("--frames: there are " + std::to_string(all.size()) + " pictures, from 1 on");
+        frames.push_back(all[static_cast<std::size_t>(number) - 1]);
+    }
+    return frames;
+}
+
+} // namespace
+
+Shot planShot(const ShotRequest& request) {
+    Shot shot;
+    // Before any are left out, a part is taken: it is the same on all machines, however far they are.
+    for (ShotFrame& frame : request.pictures.empty() ? shotFrames(request, shot) : pictureFrames(request, shot)) {
         if (shot.isSequence)
             requireApart(frame);
         if (request.skipExisting && isDone(frame.output))

@@ -45,6 +45,7 @@ TEST(ArgumentsTest, SayWhatIsWrongInOneLine) {
         {"quiet and verbose", {"a", "b", "-q", "-v"}, "--quiet"},
         {"sheet and output", {"a", "b", "--sheet", "s"}, "--sheet"},
         {"sheet and comparison", {"a", "--sheet", "s", "--compare"}, "--sheet"},
+        {"format without a folder", {"a", "b", "--format", "png"}, "--format: goes with --into"},
         {"no arguments", {}, "INPUT"},
         {"no output", {"a"}, "OUTPUT"},
         {"one file too many", {"a", "b", "more.png"}, "more.png"},

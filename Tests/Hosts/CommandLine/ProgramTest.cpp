@@ -142,6 +142,13 @@ TEST_F(Program, KeepsResultsApartFromWhatThePluginPrints) {
     EXPECT_EQ(compare("a.3.png", {0.0, 0.0}), "");
 }
 
+TEST_F(Program, TellsTheFirstFailuresAndCountsTheOthers) {
+    run({"/none.#.png", "/b.#.png", "--frames", "1-30"});
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(tells("10 more failed\n") && tells("failed: 1-30\n")) << messages;
+    EXPECT_EQ(lines(), 23);
+}
+
 /// The decoder prints lines of its own.
 TEST_F(Program, RefusesADamagedPictureInOneLine) {
     writePictureFile(folder / "cut.jpg", picture, {"RGB"});

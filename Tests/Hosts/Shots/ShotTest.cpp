@@ -71,6 +71,38 @@ TEST_F(Shots, ArePlanned) {
     EXPECT_EQ(one.frames[0].output, folder / "v.out.png");
 }
 
+TEST_F(Shots, TellTheirGaps) {
+    EXPECT_EQ(planShot(request()).gaps, "");
+    for (const int frame : {16, 20, 21, 24})
+        writePictureFile(input(frame), pictureOf(frame), {});
+    EXPECT_EQ(planShot(request()).gaps, "frames 14-15, 17-19 and 22-23 are missing");
+    EXPECT_EQ(planShot(request("8-24")).gaps, "");
+    EXPECT_EQ(describeGaps({1, 3}), "frame 2 is missing");
+    std::vector<int> odd;
+    for (int frame = 1; frame < 2000; frame += 2)
+        odd.push_back(frame);
+    EXPECT_EQ(describeGaps(odd), "frames 2, 4, 6, 8, 10, 12, 14, 16, 18, 20 and others are missing");
+}
+
+TEST_F(Shots, AreManyPicturesOfTheirOwnNames) {
+    ShotRequest many;
+    many.pictures = {input(8), input(9)};
+    many.into = folder / ".";
+    EXPECT_THROW(planShot(many), UsageError); // each would replace itself
+    many.format = "tif";
+    const Shot shot = planShot(many);
+    ASSERT_EQ(shot.frames.size(), 2u);
+    EXPECT_EQ(shot.frames[1].number, 2);
+    EXPECT_EQ(shot.frames[1].output.filename(), "in.0009.tif");
+    many.frames = {{3}};
+    EXPECT_THROW(planShot(many), UsageError);
+    many.frames.reset();
+    many.pictures.push_back("elsewhere/in.0008.png");
+    EXPECT_THROW(planShot(many), UsageError);
+    many.into = folder / "none";
+    EXPECT_THROW(planShot(many), Failure);
+}
+
 TEST_F(Shots, ArePlannedOnlyWhereFramesAndFilesFit) {
     EXPECT_THROW(planShot(request(nullptr, "no.####.png")), Failure);
     EXPECT_THROW(planShot(request(nullptr, "in.####.png", "none/out-%d.png")), Failure);
