@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <memory>
+#include <string_view>
 
 namespace Ombrique::Tests {
 
@@ -12,20 +13,10 @@ using Hosts::World;
 namespace {
 
 double sampleOf(const PF_Pixel8& pixel, char channel, bool associated) {
-    const double weight = associated ? pixel.alpha / 255.0 : 1.0;
-    switch (channel) {
-    case 'R':
-    case 'Y':
-        return pixel.red / 255.0 * weight;
-    case 'G':
-        return pixel.green / 255.0 * weight;
-    case 'B':
-        return pixel.blue / 255.0 * weight;
-    case 'A':
-        return pixel.alpha / 255.0;
-    default:
-        return 0.5;
-    }
+    const double colour = channel == 'G' ? pixel.green : channel == 'B' ? pixel.blue : pixel.red;
+    return std::string_view("YRGB").find(channel) != std::string_view::npos
+               ? colour / 255.0 * (associated ? pixel.alpha / 255.0 : 1.0)
+               : (channel == 'A' ? pixel.alpha / 255.0 : 0.5);
 }
 
 } // namespace
