@@ -26,6 +26,7 @@ Examples:
 constexpr const char* kEnvironment = R"(
 Environment:
   OMBRIQUE_PLUGIN_PATH   the plug-in's bundle, instead of the one that belongs to the program
+  OMBRIQUE_DEVICE        the EGL device that draws: its number, or a part of its name, as --about lists them
 
 Exit status:
   0  done
@@ -106,7 +107,7 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
         ->type_name("METHOD");
     auto* const quiet = app.add_flag("-q,--quiet", texts.quiet, "Say nothing but what went wrong");
     app.add_flag("-v,--verbose", texts.verbose, "Tell of each frame, and what the plug-in prints")->excludes(quiet);
-    app.add_flag("--about", arguments.about, "Print what the plug-in says of itself, and its parameters");
+    app.add_flag("--about", arguments.about, "Print what the plug-in says of itself, its parameters, and what draws");
 }
 
 /// Gives the files their parts, and requires all that are needed.

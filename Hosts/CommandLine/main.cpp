@@ -11,6 +11,7 @@
 #include "Platform/OpenGL/DriverLimits.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iomanip>
 #include <limits>
 #include <malloc.h>
@@ -35,15 +36,28 @@ void setUp(Effect& effect) {
         throw PluginFailure("the plug-in can't be set up: " + result.describe());
 }
 
+/// The devices that can be chosen: "0 software, 1 ...".
+std::string knownDevices() {
+    std::string text;
+    const std::vector<std::string> names = driverDevices();
+    for (std::size_t number = 0; number < names.size(); ++number)
+        text += (number > 0 ? ", " : "") + std::to_string(number) + " " + names[number];
+    return text.empty() ? "none" : text;
+}
+
 /// The longest side of a picture that the driver can hold, in pixels.
 int requireDriver() {
     const int longestSide = longestRenderableSide();
+    const char* const chosen = std::getenv("OMBRIQUE_DEVICE");
+    if (longestSide == 0 && chosen && *chosen)
+        throw Failure("OMBRIQUE_DEVICE " + std::string(chosen) +
+                      ": no such device gives a context of OpenGL 3.3 or more (known: " + knownDevices() + ")");
     if (longestSide == 0)
         throw Failure("OpenGL: no driver on this machine gives a context of version 3.3 or more");
     return longestSide;
 }
 
-/// The plug-in's About text, and a line for each slider.
+/// The plug-in's About text, a line for each slider, and what draws.
 std::string aboutText(const Effect& effect, const std::vector<Slider>& sliders) {
     const CommandResult result = effect.about();
     if (!result.clean())
@@ -56,6 +70,9 @@ std::string aboutText(const Effect& effect, const std::vector<Slider>& sliders) 
     for (const Slider& slider : sliders)
         text << "  " << std::setw(14) << "--" + slider.word() << std::setw(20) << slider.name << slider.describeRange()
              << "\n";
+    const std::string driver = driverName();
+    text << "\nOpenGL:\n  driver   " << (driver.empty() ? "none of version 3.3 or more" : driver) << "\n  devices  "
+         << knownDevices() << "\n";
     return text.str();
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -37,11 +38,21 @@ template <typename Function> Function extensionFunction(const char* name) {
 
 bool needsSurface(EGLDisplay display) { return !displayHas(display, "EGL_KHR_surfaceless_context"); }
 
-std::vector<EGLDeviceEXT> hardwareDevices() {
-    const auto queryDevices = extensionFunction<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
+/// What the device says of itself under a name; empty where it has no such string.
+std::string deviceString(EGLDeviceEXT device, EGLint name) {
     const auto queryString = extensionFunction<PFNEGLQUERYDEVICESTRINGEXTPROC>("eglQueryDeviceStringEXT");
-    const bool enumerates = clientHas("EGL_EXT_device_base") || clientHas("EGL_EXT_device_enumeration");
     const bool describes = clientHas("EGL_EXT_device_base") || clientHas("EGL_EXT_device_query");
+    const char* const text = describes && queryString ? queryString(device, name) : nullptr;
+    return text ? text : "";
+}
+
+bool isSoftware(EGLDeviceEXT device) {
+    return lists(deviceString(device, EGL_EXTENSIONS).c_str(), "EGL_MESA_device_software");
+}
+
+std::vector<EGLDeviceEXT> allDevices() {
+    const auto queryDevices = extensionFunction<PFNEGLQUERYDEVICESEXTPROC>("eglQueryDevicesEXT");
+    const bool enumerates = clientHas("EGL_EXT_device_base") || clientHas("EGL_EXT_device_enumeration");
     EGLint count = 0;
     if (!clientHas("EGL_EXT_platform_device") || !enumerates || !queryDevices || !queryDevices(0, nullptr, &count) ||
         count <= 0)
@@ -50,11 +61,32 @@ std::vector<EGLDeviceEXT> hardwareDevices() {
     if (!queryDevices(count, devices.data(), &count))
         return {};
     devices.resize(static_cast<std::size_t>(count));
-    if (describes && queryString)
-        std::erase_if(devices, [&](EGLDeviceEXT device) {
-            return lists(queryString(device, EGL_EXTENSIONS), "EGL_MESA_device_software");
-        });
     return devices;
+}
+
+std::string describeDevice(EGLDeviceEXT device) {
+    constexpr EGLint kRenderer = 0x335F; // EGL_RENDERER_EXT
+    std::string text;
+    const std::string extensions = deviceString(device, EGL_EXTENSIONS);
+    if (lists(extensions.c_str(), "EGL_EXT_device_query_name"))
+        text = deviceString(device, kRenderer);
+    if (lists(extensions.c_str(), "EGL_EXT_device_drm"))
+        text += (text.empty() ? "" : " ") + deviceString(device, EGL_DRM_DEVICE_FILE_EXT);
+    if (isSoftware(device))
+        text += text.empty() ? "software" : " (software)";
+    return text.empty() ? "no name" : text;
+}
+
+/// The devices to try, in their order: the GPUs, or those that the user has chosen.
+std::vector<EGLDeviceEXT> wantedDevices(std::string_view chosen) {
+    std::vector<EGLDeviceEXT> wanted;
+    const std::vector<EGLDeviceEXT> devices = allDevices();
+    for (std::size_t number = 0; number < devices.size(); ++number)
+        if (chosen.empty()
+                ? !isSoftware(devices[number])
+                : chosen == std::to_string(number) || describeDevice(devices[number]).find(chosen) != std::string::npos)
+            wanted.push_back(devices[number]);
+    return wanted;
 }
 
 /// Initialises a display and proves it: a core context is made, and made current for a moment.
@@ -73,12 +105,13 @@ bool serves(EGLDisplay display) {
 }
 
 EGLDisplay chooseDisplay() {
-    for (const EGLDeviceEXT device : hardwareDevices()) {
+    const char* const chosen = std::getenv("OMBRIQUE_DEVICE");
+    for (const EGLDeviceEXT device : wantedDevices(chosen ? chosen : "")) {
         const EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_DEVICE_EXT, device, nullptr);
         if (serves(display))
             return display;
     }
-    if (clientHas("EGL_MESA_platform_surfaceless")) {
+    if ((!chosen || !*chosen) && clientHas("EGL_MESA_platform_surfaceless")) {
         const EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
         if (serves(display))
             return display;
@@ -87,6 +120,13 @@ EGLDisplay chooseDisplay() {
 }
 
 } // namespace
+
+std::vector<std::string> renderDevices() {
+    std::vector<std::string> names;
+    for (const EGLDeviceEXT device : allDevices())
+        names.push_back(describeDevice(device));
+    return names;
+}
 
 EGLDisplay renderDisplay() {
     static const EGLDisplay display = chooseDisplay();

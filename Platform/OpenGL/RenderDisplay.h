@@ -4,6 +4,9 @@
 
 #include <EGL/egl.h>
 
+#include <string>
+#include <vector>
+
 namespace PlatformEGL {
 
 /// The display that all contexts of the process are made on. It is chosen at the first call, by one thread while others
@@ -13,7 +16,13 @@ namespace PlatformEGL {
 /// GPUs come first: the EGL devices that aren't software, in EGL's order. One that can't be opened, or on which a core
 /// context can't be made and made current, is passed over for the next; on a shared machine another job may have it.
 /// The surfaceless platform comes last. EGL_NO_DISPLAY where nothing serves.
+///
+/// The environment's OMBRIQUE_DEVICE chooses otherwise: the number of a device in EGL's order, or a part of its name as
+/// renderDevices() has it. Then nothing else is tried.
 EGLDisplay renderDisplay();
+
+/// The names of all EGL devices, in EGL's order, software ones too.
+std::vector<std::string> renderDevices();
 
 /// A configuration for contexts of desktop OpenGL with at least so many bits; the colour bits may be missed in either
 /// direction where `closestColor` says so. The one with the fewest colour bits off wins, EGL's order decides between

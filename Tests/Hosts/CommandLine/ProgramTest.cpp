@@ -104,6 +104,7 @@ TEST_F(Program, AnswersWithoutADriver) {
         {"help", {"--help"}, 0, "--brightness X"},
         {"version", {"--version"}, 0, "ombrique-render "},
         {"about", {"--about"}, 0, "  --contrast    Contrast Value      0 to 10, default 1\n"},
+        {"about the driver", {"--about"}, 0, "driver   none of version 3.3"},
         {"wrong option", {"--contrats", "2"}, 2, "", "--contrats"},
         {"what is missing", {"/a.#.png", "/b.#.png", "--list-missing"}, 0, "1-2\n"},
         {"nothing is missing", {"/a.#.png", "/b.#.png", "--list-missing", "--frames", "3"}, 0, ""},
@@ -140,6 +141,19 @@ TEST_F(Program, KeepsResultsApartFromWhatThePluginPrints) {
     EXPECT_EQ(status, 0);
     EXPECT_EQ(output + messages, "");
     EXPECT_EQ(compare("a.1.png", {0.0, 0.0}), "");
+}
+
+TEST_F(Program, DrawsOnTheDeviceThatIsChosen) {
+    run({"--about"});
+    EXPECT_NE(output.find("driver   "), std::string::npos) << output;
+    for (const char* device : {"soft", "0"}) {
+        run({"/a.1.png", "/b.1.png", "--contrast", "1.3"}, std::string("OMBRIQUE_DEVICE=") + device);
+        EXPECT_EQ(status, 0) << messages;
+        EXPECT_EQ(compare("b.1.png", {1.3, 0.0}), "");
+    }
+    run({"/a.1.png", "/b.1.png"}, "OMBRIQUE_DEVICE=elephant");
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(tells("OMBRIQUE_DEVICE elephant: no such device") && tells("known: 0 ") && lines() == 1) << messages;
 }
 
 TEST_F(Program, TellsTheFirstFailuresAndCountsTheOthers) {
