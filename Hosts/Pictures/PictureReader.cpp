@@ -18,17 +18,20 @@ namespace Ombrique::Hosts {
 
 namespace {
 
-/// Whether the first icon of a file is of a kind on which OpenImageIO's decoder writes beyond its memory. It keeps
-/// within it where an icon has 32 bits a pixel, or is a PNG.
-bool isDangerousIcon(int descriptor) {
+/// Why not to show a file to OpenImageIO, two of whose decoders leave their memory; null where there is no reason.
+const char* dangerOf(int descriptor) {
     std::array<unsigned char, 22> header{};
-    std::array<unsigned char, 16> picture{};
-    if (pread(descriptor, header.data(), header.size(), 0) < std::ssize(header) ||
-        std::memcmp(header.data(), "\0\0\1\0", 4) != 0)
-        return false;
+    std::array<unsigned char, 16> icon{};
+    if (pread(descriptor, header.data(), header.size(), 0) < std::ssize(header))
+        return nullptr;
+    if (std::memcmp(header.data(), "\1\xda", 2) == 0 && header[3] != 1 && header[3] != 2)
+        return "is damaged: SGI files have one or two bytes a sample";
+    if (std::memcmp(header.data(), "\0\0\1\0", 4) != 0)
+        return nullptr;
     const auto offset = header[18] | header[19] << 8 | header[20] << 16 | off_t{header[21]} << 24;
-    const bool isWhole = pread(descriptor, picture.data(), picture.size(), offset) == std::ssize(picture);
-    return !isWhole || (std::memcmp(picture.data(), "\x89PNG", 4) != 0 && picture[14] != 32);
+    const bool isWhole = pread(descriptor, icon.data(), icon.size(), offset) == std::ssize(icon);
+    const bool isFine = isWhole && (std::memcmp(icon.data(), "\x89PNG", 4) == 0 || icon[14] == 32);
+    return isFine ? nullptr : "can't be read: of icons, those with 32 bits a pixel and PNG alone can be";
 }
 
 /// OpenImageIO's own words for a file that isn't there differ from format to format, and what is no file, such as a
@@ -37,16 +40,15 @@ void requireReadable(const std::filesystem::path& path) {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status {};
     const int error = descriptor < 0 || fstat(descriptor, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? EISDIR : 0;
-    const bool isDangerous = error == 0 && isDangerousIcon(descriptor);
+    const char* const danger = error == 0 ? dangerOf(descriptor) : nullptr;
     if (descriptor >= 0)
         close(descriptor);
-    const std::string text = path.string() + ": can't be read: ";
     if (error != 0)
-        throw Failure(text + std::generic_category().message(error));
+        throw Failure(path.string() + ": can't be read: " + std::generic_category().message(error));
     if (!S_ISREG(status.st_mode))
-        throw Failure(text + "not a regular file");
-    if (isDangerous)
-        throw Failure(text + "of icons, those with 32 bits a pixel and PNG alone can be");
+        throw Failure(path.string() + ": can't be read: not a regular file");
+    if (danger)
+        throw Failure(path.string() + ": " + danger);
 }
 
 /// Calls a decoder. Some let an exception out where a damaged file leads them astray.

@@ -14,8 +14,8 @@ namespace Ombrique::Tests {
 namespace {
 
 /// Places in this list stand in the corpus: new ones go to the end.
-constexpr const char* kFormats[] = {"png",  "jpg", "exr", "tif", "tga",  "bmp", "ppm", "dpx",
-                                    "fits", "hdr", "sgi", "gif", "webp", "pfm", "jp2"};
+constexpr const char* kFormats[] = {"png", "jpg", "exr", "tif",  "tga", "bmp", "ppm", "dpx", "fits",
+                                    "hdr", "sgi", "gif", "webp", "pfm", "jp2", "psd", "ico"};
 /// Beyond it a picture is refused by its size alone, so that none takes long.
 constexpr int kLongestSide = 128;
 

@@ -38,6 +38,7 @@ TEST(Refusals, AreOneLineAndLeaveWhatWasThere) {
     std::filesystem::copy(TEST_FILES, folder / "");
     mkfifo((folder / "pipe.png").c_str(), 0600);
     std::filesystem::create_symlink("/dev/zero", folder / "zero.png");
+    writeFile(folder / "none.sgi", std::string("\x01\xda\0\0\0\3\x77\0\x0a\xda\0\1", 12) + std::string(500, '\0'));
     for (const char* name : {"good.png", "good.jpg"}) {
         const std::string whole = readFile(folder / name);
         writeFile(folder / ("cut-" + std::string(name)), whole.substr(0, whole.size() * 2 / 3));
@@ -60,6 +61,7 @@ TEST(Refusals, AreOneLineAndLeaveWhatWasThere) {
         {"vast picture", "vast.ppm", "out.png", "vast.ppm: is 100000 by 100000 pixels, and the OpenGL"},
         {"picture of negative height", "negative-height.fits", "out.png", "height.fits: is 4 by -1 pixels"},
         {"samples of no type", "samples-of-no-type.fits", "out.png", "type.fits: is damaged: its"},
+        {"no byte a sample", "none.sgi", "out.png", "none.sgi: is damaged: SGI"},
         {"253 bytes a sample", "253-bytes-a-sample.sgi", "out.png", "sample.sgi: is damaged"},
         {"two colours", "two.exr", "out.png", "two.exr: its channels R, G make neither"},
         {"deep picture", "deep.exr", "out.png", "deep.exr: holds a deep"},
