@@ -16,9 +16,9 @@ constexpr const char* kShots = R"(
 A shot is named by a pattern, with #### or @@@@ or %04d in the place of the frame's number. A slider takes a number, or
 keys, FRAME:VALUE,FRAME:VALUE, with straight lines between them; for a contact sheet, a list of numbers.
 
-Any format that OpenImageIO reads and writes will do; the extension of OUTPUT tells which. An existing OUTPUT is
-replaced only by a finished picture, so that a run can be repeated whenever it was cut off. Results go to standard
-output, all else to standard error.
+Most formats that OpenImageIO reads and writes will do; the extension of OUTPUT tells which, and what would come out
+wrong is refused. An existing OUTPUT is replaced only by a finished picture, so that a run can be repeated whenever it
+was cut off. Results go to standard output, all else to standard error.
 
 Examples:
 )";

@@ -72,6 +72,12 @@ float colourWeight(AlphaConvention convention, float alpha) {
 
 bool declaresAlphaConvention(const std::string& format) { return format == "tiff"; }
 
+bool isForDisplays(const std::string& format) {
+    static constexpr std::array<std::string_view, 11> kDisplayed = {"png",   "jpeg", "jpeg2000", "gif", "webp", "bmp",
+                                                                    "targa", "heif", "ico",      "pnm", "iff"};
+    return std::ranges::find(kDisplayed, format) != kDisplayed.end();
+}
+
 int channelsToWrite(const std::string& format, const std::string& extension, int colours, bool hasAlpha) {
     auto held = kChannels.find(OIIO::Strutil::lower(extension));
     if (held == kChannels.end())
@@ -112,6 +118,8 @@ void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std:
             spec.attribute("compression", "webp:" + std::string(parts[1]));
     } else if (format == "png") {
         setQuickPng(spec, pixels);
+    } else if (format == "jpeg") {
+        spec.attribute("compression", "jpeg:90"); // its decoder doesn't tell the quality of the input
     }
 }
 

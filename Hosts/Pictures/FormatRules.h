@@ -28,6 +28,9 @@ float colourWeight(AlphaConvention convention, float alpha);
 /// Whether a file in this format can say by itself which of the first two conventions it follows.
 bool declaresAlphaConvention(const std::string& format);
 
+/// Whether the numbers in files of `format` are meant for displays, and not for light.
+bool isForDisplays(const std::string& format);
+
 /// How many channels a file of `format` with this extension (".pgm") gets for a picture of one or three colours, with
 /// alpha or without: grey may become RGB, what is opaque may get an alpha, and alpha may be left out. 0 where the file
 /// can't hold the picture.
@@ -38,7 +41,7 @@ int channelsToWrite(const std::string& format, const std::string& extension, int
 void requireCompression(const std::string& wanted, const std::string& format);
 
 /// Describes to the encoder of `format` how to compress: as `wanted`, or where that is empty, as `spec` has it already;
-/// PNG, whose files don't tell how they were compressed, then gets what is quickest for `pixels`.
+/// PNG, whose files don't tell how they were compressed, then gets what is quickest for `pixels`, and JPEG quality 90.
 void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format, const World& pixels);
 
 } // namespace Ombrique::Hosts

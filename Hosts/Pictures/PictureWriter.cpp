@@ -250,7 +250,10 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
         packer.pack(pixels, data, {window.x, top, window.width, rows}, samples);
     });
     mFile.commit();
-    return lossesOf(pixels, withAlpha, format);
+    std::vector<std::string> losses = lossesOf(pixels, withAlpha, format);
+    if (isForDisplays(format) && OIIO::Strutil::iequals(origin.spec.get_string_attribute("oiio:ColorSpace"), "linear"))
+        losses.emplace_back("its linear values are kept as they are, and look dark in a format for displays");
+    return losses;
 }
 
 } // namespace Ombrique::Hosts

@@ -77,6 +77,7 @@ const FormatCase kFormats[] = {
     {"FloatTiff", "in.tif", {"RGBA", OIIO::TypeDesc::FLOAT}, "out.tif", kRgba, "(float) are rounded to 8 bits"},
     {"ExrToPng", "in.exr", kExr, "out.png", kRgba, "(half) are rounded to 8 bits"},
     {"PngToExr", "in.png", kRgba, "out.exr", kExr},
+    {"LinearExrToPng", "in.exr", kExr, "out.png", kRgba, "linear values are kept"},
     {"ExrWithDepth", "in.exr", {"RGBZ", OIIO::TypeDesc::HALF}, "out.png", kRgb, "other channels (Z) are left out"},
     {"TargaToBmp", "in.tga", kRgba, "out.bmp", kRgba},
     {"PngToJpeg2000", "in.png", kRgba, "out.jp2", kRgba},
