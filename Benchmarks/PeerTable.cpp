@@ -5,12 +5,19 @@
 
 namespace {
 
-double median(std::vector<double> numbers) {
+constexpr std::size_t kParts = 3;
+
+double tenthPercentile(std::vector<double> numbers) {
     if (numbers.empty())
         return std::numeric_limits<double>::quiet_NaN();
-    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
-    std::nth_element(numbers.begin(), middle, numbers.end());
-    return *middle;
+    const auto tenth = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 10);
+    std::nth_element(numbers.begin(), tenth, numbers.end());
+    return *tenth;
+}
+
+/// The first of the times over the least of the others.
+double ratio(const std::vector<double>& times) {
+    return times.front() / *std::min_element(times.begin() + 1, times.end());
 }
 
 } // namespace
@@ -33,23 +40,40 @@ void PeerTable::ReportRuns(const std::vector<Run>& runs) {
     }
 }
 
+std::vector<double> PeerTable::times(const Operation& operation, std::size_t part, std::size_t parts) const {
+    std::vector<double> result;
+    for (const std::string& contender : mContenders) {
+        const auto found = operation.times.find(contender);
+        const std::vector<double> all = found == operation.times.end() ? std::vector<double>() : found->second;
+        const auto at = [&](std::size_t i) {
+            return all.begin() + static_cast<std::ptrdiff_t>(i * all.size() / parts);
+        };
+        result.push_back(tenthPercentile({at(part), at(part + 1)}));
+    }
+    return result;
+}
+
 void PeerTable::Finalize() {
     std::ostream& out = GetOutputStream();
-    out << std::left << std::setw(28) << "median ns an operation" << std::right;
+    out << std::left << std::setw(28) << "ns, tenth percentile" << std::right;
     for (const std::string& contender : mContenders)
         out << std::setw(10) << contender;
-    out << std::setw(16) << "over the faster" << '\n' << std::fixed;
+    out << "  over the faster\n" << std::fixed << std::setprecision(2);
 
     std::vector<std::pair<std::string, Operation>> operations(mOperations.begin(), mOperations.end());
     std::sort(operations.begin(), operations.end(),
               [](const auto& a, const auto& b) { return a.second.firstFamily < b.second.firstFamily; });
-    for (auto& [name, operation] : operations) {
-        out << std::left << std::setw(28) << name << std::right << std::setprecision(2);
-        std::vector<double> medians;
-        for (const std::string& contender : mContenders) {
-            medians.push_back(median(operation.times[contender]));
-            out << std::setw(10) << medians.back();
-        }
-        out << std::setw(16) << medians.front() / *std::min_element(medians.begin() + 1, medians.end()) << '\n';
+    for (const auto& [name, operation] : operations) {
+        const std::vector<double> overall = times(operation, 0, 1);
+        out << std::left << std::setw(28) << name << std::right;
+        for (const double time : overall)
+            out << std::setw(10) << time;
+        std::vector<double> ratios;
+        for (std::size_t part = 0; part < kParts; ++part)
+            ratios.push_back(ratio(times(operation, part, kParts)));
+        const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
+        out << std::setw(6) << ratio(overall) << " (" << *least << " to " << *most << ')';
+        const auto remark = mRemarks.find(name);
+        out << (remark == mRemarks.end() ? "" : "  " + remark->second) << '\n';
     }
 }

@@ -2,10 +2,6 @@
 
 namespace Ombrique::GaussianBlur {
 
-bool Affine::operator==(const Affine& other) const {
-    return std::equal(m, m + 6, other.m, [](double a, double b) { return isNear(a, b); });
-}
-
 void Affine::set(Vec2 anchor, Vec2 position, Vec2 scale, double rotation) {
     const double r = rotation * kRadiansPerDegree;
     const double s = std::sin(r);
@@ -43,7 +39,7 @@ Affine Affine::getInverse() const {
 
 double Affine::averageScale() const {
     const double mean = (Vec2(m[0], m[1]).length() + Vec2(m[3], m[4]).length()) * 0.5;
-    return std::round(static_cast<float>(mean * 10000.0)) / 10000.0F;
+    return std::round(static_cast<float>(mean * 10000.0)) / 10000.0f;
 }
 
 } // namespace Ombrique::GaussianBlur

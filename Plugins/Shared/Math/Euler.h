@@ -32,17 +32,17 @@ struct Euler {
 
     Euler() = default;
     /// Stores the order unchecked, Unspecified too.
-    Euler(double xValue, double yValue, double zValue, RotationOrder orderValue)
+    constexpr Euler(double xValue, double yValue, double zValue, RotationOrder orderValue) noexcept
         : x(xValue), y(yValue), z(zValue), order(orderValue) {}
 
     /// Each angle within 1e-12, the bound included, and the same order: equal rotations in other angles or another
     /// order are unequal.
-    bool operator==(const Euler& other) const {
+    constexpr bool operator==(const Euler& other) const noexcept {
         return isNear(x, other.x) && isNear(y, other.y) && isNear(z, other.z) && order == other.order;
     }
 
     /// The order Unspecified keeps the stored order.
-    void set(double xValue, double yValue, double zValue, RotationOrder newOrder) {
+    constexpr void set(double xValue, double yValue, double zValue, RotationOrder newOrder) noexcept {
         *this = Euler(xValue, yValue, zValue, newOrder == Unspecified ? order : newOrder);
     }
     /// Extract the angles of a pure rotation (the upper left 3x3 block, without scale; a unit quaternion) in the given

@@ -16,11 +16,13 @@ inline constexpr double kRadiansPerDegree = 0.017453292519943;
 inline constexpr double kDegreesPerRadian = 57.29577951308232;
 
 /// `low` for a value below it, `high` for a value above it, else the value; NaN stays NaN.
-constexpr double clamp(double value, double low, double high) {
+constexpr double clamp(double value, double low, double high) noexcept {
     return value < low ? low : high < value ? high : value;
 }
 
 /// Whether a and b differ by at most the tolerance, the bound included. NaN is near to nothing, nor is an infinity.
-inline bool isNear(double a, double b, double tolerance = kTolerance) { return tolerance >= std::fabs(a - b); }
+constexpr bool isNear(double a, double b, double tolerance = kTolerance) noexcept {
+    return -tolerance <= a - b && a - b <= tolerance;
+}
 
 } // namespace Ombrique::GaussianBlur

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "Plugins/Shared/Math/Affine.h"
+#include "Plugins/Shared/Math/Pair.h"
+#include "Plugins/Shared/Math/Quaternion.h"
 #include "Plugins/Shared/Math/Vec4.h"
 
-namespace Ombrique::GaussianBlur {
+#include <array>
+#include <bit>
+#include <functional>
+#include <type_traits>
 
-struct Quaternion;
+namespace Ombrique::GaussianBlur {
 
 /// A homogeneous transform of space.
 ///
@@ -21,79 +26,119 @@ struct Mat4 {
     double m[16];
 
     /// The identity, or all zeros.
-    explicit Mat4(bool identity)
+    explicit constexpr Mat4(bool identity) noexcept
         : Mat4(identity, 0.0, 0.0, 0.0, 0.0, identity, 0.0, 0.0, 0.0, 0.0, identity, 0.0, 0.0, 0.0, 0.0, identity,
                true) {}
     /// In storage order with columnMajor, else row by row.
-    Mat4(double a0, double a1, double a2, double a3, double a4, double a5, double a6, double a7, double a8, double a9,
-         double a10, double a11, double a12, double a13, double a14, double a15, bool columnMajor)
+    constexpr Mat4(double a0, double a1, double a2, double a3, double a4, double a5, double a6, double a7, double a8,
+                   double a9, double a10, double a11, double a12, double a13, double a14, double a15,
+                   bool columnMajor) noexcept
         : m{a0,  columnMajor ? a1 : a4,   columnMajor ? a2 : a8,  columnMajor ? a3 : a12, columnMajor ? a4 : a1,
             a5,  columnMajor ? a6 : a9,   columnMajor ? a7 : a13, columnMajor ? a8 : a2,  columnMajor ? a9 : a6,
             a10, columnMajor ? a11 : a14, columnMajor ? a12 : a3, columnMajor ? a13 : a7, columnMajor ? a14 : a11,
             a15} {}
     /// 16 doubles in storage order with columnMajor, else row by row.
-    Mat4(double* values, bool columnMajor);
+    constexpr Mat4(double* values, bool columnMajor) noexcept
+        : Mat4(values[0], values[1], values[2], values[3], values[4], values[5], values[6], values[7], values[8],
+               values[9], values[10], values[11], values[12], values[13], values[14], values[15], columnMajor) {}
     /// a, b, c, d are the rows from the top with rows, else the columns.
-    Mat4(Vec4 const& a, Vec4 const& b, Vec4 const& c, Vec4 const& d, bool rows)
+    constexpr Mat4(const Vec4& a, const Vec4& b, const Vec4& c, const Vec4& d, bool rows) noexcept
         : Mat4(a.x, a.y, a.z, a.w, b.x, b.y, b.z, b.w, c.x, c.y, c.z, c.w, d.x, d.y, d.z, d.w, !rows) {}
 
     /// Row by row.
-    void set(double a0, double a1, double a2, double a3, double a4, double a5, double a6, double a7, double a8,
-             double a9, double a10, double a11, double a12, double a13, double a14, double a15) {
+    constexpr void set(double a0, double a1, double a2, double a3, double a4, double a5, double a6, double a7,
+                       double a8, double a9, double a10, double a11, double a12, double a13, double a14,
+                       double a15) noexcept {
         *this = Mat4(a0, a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15, false);
     }
-    void setZero() { *this = Mat4(false); }
-    void setIdentity() { *this = Mat4(true); }
-    static Mat4 identity() { return Mat4(true); }
+    constexpr void setZero() noexcept { *this = Mat4(false); }
+    constexpr void setIdentity() noexcept { *this = Mat4(true); }
+    static constexpr Mat4 identity() noexcept { return Mat4(true); }
 
     /// Each element within 1e-12, the bound included; false for a NaN.
-    bool operator==(Mat4 const& other) const;
-    void setRow(int i, Vec4 const& v);
-    void setColumn(int i, Vec4 const& v);
-    Vec4 getRow(int i) const { return Vec4(m[i], m[i + 4], m[i + 8], m[i + 12]); }
-    Vec4 getColumn(int i) const { return Vec4(m[4 * i], m[4 * i + 1], m[4 * i + 2], m[4 * i + 3]); }
-    void setTranspose() { transpose(*this); }
+    constexpr bool operator==(const Mat4& other) const noexcept {
+        return std::equal(m, m + 16, other.m, [](double a, double b) { return isNear(a, b); });
+    }
+    constexpr void setRow(int i, const Vec4& v) noexcept {
+        m[i] = v.x;
+        m[i + 4] = v.y;
+        m[i + 8] = v.z;
+        m[i + 12] = v.w;
+    }
+    constexpr void setColumn(int i, const Vec4& v) noexcept {
+        m[4 * i] = v.x;
+        m[4 * i + 1] = v.y;
+        m[4 * i + 2] = v.z;
+        m[4 * i + 3] = v.w;
+    }
+    constexpr Vec4 getRow(int i) const noexcept { return Vec4(m[i], m[i + 4], m[i + 8], m[i + 12]); }
+    constexpr Vec4 getColumn(int i) const noexcept { return Vec4(m[4 * i], m[4 * i + 1], m[4 * i + 2], m[4 * i + 3]); }
+    constexpr void setTranspose() noexcept { transpose(*this); }
     /// Writes the transpose to out, which may be this matrix.
-    void transpose(Mat4& out);
+    constexpr void transpose(Mat4& out) noexcept { out = Mat4(m, false); }
     /// The length of the longest of columns 0 to 2, rows 0 to 2.
     double getMaxScaleOnAxis() const;
 
     // All 16 elements take part, the bottom row too. An out may be an operand.
-    void add(Mat4 const& other) { add(*this, other, *this); }
-    void subtract(Mat4 const& other) { subtract(*this, other, *this); }
-    static void add(Mat4 const& a, Mat4 const& b, Mat4& out);
-    static void subtract(Mat4 const& a, Mat4 const& b, Mat4& out);
-    Mat4 operator+(Mat4 const& other);
-    Mat4 operator-(Mat4 const& other);
-    Mat4 operator*(double v);
+    constexpr void add(const Mat4& other) noexcept { add(*this, other, *this); }
+    constexpr void subtract(const Mat4& other) noexcept { subtract(*this, other, *this); }
+    static constexpr void add(const Mat4& a, const Mat4& b, Mat4& out) noexcept {
+        std::transform(a.m, a.m + 16, b.m, out.m, std::plus<>());
+    }
+    static constexpr void subtract(const Mat4& a, const Mat4& b, Mat4& out) noexcept {
+        std::transform(a.m, a.m + 16, b.m, out.m, std::minus<>());
+    }
+    constexpr Mat4 operator+(const Mat4& other) noexcept {
+        Mat4 sum;
+        add(*this, other, sum);
+        return sum;
+    }
+    constexpr Mat4 operator-(const Mat4& other) noexcept {
+        Mat4 difference;
+        subtract(*this, other, difference);
+        return difference;
+    }
+    constexpr Mat4 operator*(double v) noexcept {
+        Mat4 product = *this;
+        for (double& element : product.m)
+            element *= v;
+        return product;
+    }
     /// out = a * b, this = this * other, and this * other. The out may be a or b.
-    static void mult(Mat4 const& a, Mat4 const& b, Mat4& out) { out = product(a, b); }
-    void mult(Mat4 const& other) { mult(*this, other, *this); }
-    Mat4 operator*(Mat4 const& other) { return product(*this, other); }
+    static constexpr void mult(const Mat4& a, const Mat4& b, Mat4& out) noexcept;
+    constexpr void mult(const Mat4& other) noexcept { mult(*this, other, *this); }
+    constexpr Mat4 operator*(const Mat4& other) noexcept {
+        Mat4 product;
+        mult(*this, other, product);
+        return product;
+    }
     /// this * v.
-    Vec4 mult(Vec4 const& v);
-    Vec4 operator*(Vec4 const& v) { return mult(v); }
+    constexpr Vec4 mult(const Vec4& v) noexcept;
+    constexpr Vec4 operator*(const Vec4& v) noexcept { return mult(v); }
     /// The point v mapped: x, y, z of this * (v, 1), with the resulting w dropped and not divided by.
-    Vec3 mult(Vec3 const& v) { return mult(Vec4(v, 1.0)).getVec3(); }
-    Vec3 operator*(Vec3 const& v) { return mult(v); }
+    constexpr Vec3 mult(const Vec3& v) noexcept { return mult(Vec4(v, 1.0)).getVec3(); }
+    constexpr Vec3 operator*(const Vec3& v) noexcept { return mult(v); }
     /// The direction v mapped: x, y, z of this * (v, 0).
-    Vec3 multWithoutTranslate(Vec3 const& v) { return mult(Vec4(v, 0.0)).getVec3(); }
+    constexpr Vec3 multWithoutTranslate(const Vec3& v) noexcept { return mult(Vec4(v, 0.0)).getVec3(); }
     /// The point v mapped and divided by the resulting w, which nothing guards against 0.
-    Vec3 multAndProject(Vec3 const& v);
+    constexpr Vec3 multAndProject(const Vec3& v) noexcept {
+        const Vec4 mapped = mult(Vec4(v, 1.0));
+        return mapped.getVec3() * (1.0 / mapped.w);
+    }
 
     // Makers: each replaces the whole matrix, but for setLookAt.
-    void setTranslate(Vec3 const& v) { setTranslate(v.x, v.y, v.z); }
+    void setTranslate(const Vec3& v) { setTranslate(v.x, v.y, v.z); }
     void setTranslate(double x, double y, double z);
-    void setScale(Vec3 const& v) { setScale(v.x, v.y, v.z); }
+    void setScale(const Vec3& v) { setScale(v.x, v.y, v.z); }
     void setScale(double x, double y, double z);
     void setXRotation(double a);
     void setYRotation(double a);
     void setZRotation(double a);
     /// By a about the axis, of any length; a zero axis counts as x.
-    void setRotation(double a, Vec3 const& axis);
+    void setRotation(double a, const Vec3& axis);
     void setRotation(double a, double x, double y, double z) { setRotation(a, Vec3(x, y, z)); }
     /// The transform of the plane as one of space that leaves z alone.
-    void setWithAffine(Affine const& a);
+    void setWithAffine(const Affine& a);
     /// OpenGL's projections: from eye space, looking along -z, to clip space. fovy is the whole vertical angle; near
     /// and far are distances in front of the eye.
     void setPerspective(double fovy, double aspect, double near, double far);
@@ -108,92 +153,107 @@ struct Mat4 {
         setLookAt(Vec3(eyeX, eyeY, eyeZ), Vec3(targetX, targetY, targetZ), Vec3(upX, upY, upZ));
     }
     /// The rotation of a quaternion, which isn't normalised first.
-    void setWithQuaternion(Quaternion const& q);
+    constexpr void setWithQuaternion(const Quaternion& q) noexcept;
 
     // this = this * (the transform of the maker): each acts on a point before all that stood in the matrix. Of a Vec4
     // only x, y and z count.
-    void translate(double x, double y, double z);
-    void translate(Vec3 const& v) { translate(v.x, v.y, v.z); }
-    void translate(Vec4 const& v) { translate(v.x, v.y, v.z); }
-    void scale(double x, double y, double z);
-    void scale(Vec3 const& v) { scale(v.x, v.y, v.z); }
-    void scale(Vec4 const& v) { scale(v.x, v.y, v.z); }
+    constexpr void translate(double x, double y, double z) noexcept {
+        for (int row = 0; row < 4; ++row)
+            m[row + 12] += m[row] * x + m[row + 4] * y + m[row + 8] * z;
+    }
+    constexpr void translate(const Vec3& v) noexcept { translate(v.x, v.y, v.z); }
+    constexpr void translate(const Vec4& v) noexcept { translate(v.x, v.y, v.z); }
+    constexpr void scale(double x, double y, double z) noexcept {
+        for (int row = 0; row < 4; ++row) {
+            m[row] *= x;
+            m[row + 4] *= y;
+            m[row + 8] *= z;
+        }
+    }
+    constexpr void scale(const Vec3& v) noexcept { scale(v.x, v.y, v.z); }
+    constexpr void scale(const Vec4& v) noexcept { scale(v.x, v.y, v.z); }
     void rotate(double a, double x, double y, double z) { rotate(a, Vec3(x, y, z)); }
-    void rotate(double a, Vec3 const& axis);
-    void rotate(double a, Vec4 const& axis) { rotate(a, axis.getVec3()); }
-    void rotateX(double a);
-    void rotateY(double a);
-    void rotateZ(double a);
+    void rotate(double a, const Vec3& axis) { multWith<double, const Vec3&>(&Mat4::setRotation, a, axis); }
+    void rotate(double a, const Vec4& axis) { rotate(a, axis.getVec3()); }
+    void rotateX(double a) { multWith(&Mat4::setXRotation, a); }
+    void rotateY(double a) { multWith(&Mat4::setYRotation, a); }
+    void rotateZ(double a) { multWith(&Mat4::setZRotation, a); }
     /// Replaces the translation; no product.
-    void position(Vec3 const& p);
+    constexpr void position(const Vec3& p) noexcept {
+        m[12] = p.x;
+        m[13] = p.y;
+        m[14] = p.z;
+    }
 
-    double determinant();
+    constexpr double determinant() noexcept;
     /// The inverse in out, which may be this matrix. False, with the identity in out, for a determinant of exactly 0; a
     /// nearly singular matrix is inverted like any other, with very large elements. The determinant used here may
     /// differ from `determinant` in its last bits.
     bool getInverse(Mat4& out) const;
     /// m[0], m[4], m[12] and m[1], m[5], m[13] as rows, whatever the other elements hold.
-    Affine getAffine() const { return Affine(m[0], m[1], m[4], m[5], m[12], m[13]); }
+    constexpr Affine getAffine() const noexcept { return Affine(m[0], m[1], m[4], m[5], m[12], m[13]); }
     /// From the host's pixels in an area of the given size (origin top left, y down, z into the screen) to a centred
     /// space with y up and z out of the screen: (x - width / 2, height / 2 - y, -z).
     static Mat4 getAEToGLConversionMatrix(double width, double height);
 
     /// Without anchor T(position) R S(scale), with it T(position) R S(scale) T(-anchor): a point p lands at
     /// position + R(scale * (p - anchor)), so that the anchor lands at the position.
-    void compose(Vec3 const& position, Quaternion const& rotation, Vec3 const& scale);
-    void compose(Vec3 const& anchor, Vec3 const& position, Quaternion const& rotation, Vec3 const& scale);
+    constexpr void compose(const Vec3& position, const Quaternion& rotation, const Vec3& scale) noexcept;
+    void compose(const Vec3& anchor, const Vec3& position, const Quaternion& rotation, const Vec3& scale);
     /// The inverse of the compose of the same form, for a matrix without shear. A mirror lands on the x scale, and a
     /// scale of exactly 0 comes out as 1e-06.
     void decompose(Vec3& position, Quaternion& rotation, Vec3& scale);
-    void decompose(Vec3 const& anchor, Vec3& position, Quaternion& rotation, Vec3& scale);
+    void decompose(const Vec3& anchor, Vec3& position, Quaternion& rotation, Vec3& scale);
 
 private:
-    /// Undefined elements, for who writes all of them.
-    Mat4() {}
+    /// Leaves the elements uninitialised; the caller writes all of them.
+    constexpr Mat4() noexcept {}
 
-    static Mat4 product(Mat4 const& a, Mat4 const& b);
+    /// The first rows of columns times v, added from the first to the last: one row of numbers or two of Pairs.
+    template <typename Rows>
+    static constexpr Rows combined(Rows c0, Rows c1, Rows c2, Rows c3, double x, double y, double z,
+                                   double w) noexcept {
+        return c0 * x + c1 * y + c2 * z + c3 * w;
+    }
+
+    template <typename... Arguments>
+    void multWith(void (Mat4::*maker)(Arguments...), std::type_identity_t<Arguments>... arguments) {
+        Mat4 step;
+        (step.*maker)(arguments...);
+        mult(step);
+    }
 };
 
-inline Mat4 Mat4::product(Mat4 const& a, Mat4 const& b) {
-    Mat4 result;
-    for (int column = 0; column < 16; column += 4)
-        for (int row = 0; row < 4; ++row)
-            result.m[column + row] = a.m[row] * b.m[column] + a.m[row + 4] * b.m[column + 1] +
-                                     a.m[row + 8] * b.m[column + 2] + a.m[row + 12] * b.m[column + 3];
-    return result;
-}
-
-inline Vec4 Mat4::mult(Vec4 const& v) {
-    return Vec4(m[0] * v.x + m[4] * v.y + m[8] * v.z + m[12] * v.w, m[1] * v.x + m[5] * v.y + m[9] * v.z + m[13] * v.w,
-                m[2] * v.x + m[6] * v.y + m[10] * v.z + m[14] * v.w,
-                m[3] * v.x + m[7] * v.y + m[11] * v.z + m[15] * v.w);
-}
-
-inline Vec3 Mat4::multAndProject(Vec3 const& v) {
-    const Vec4 mapped = mult(Vec4(v, 1.0));
-    return mapped.getVec3() * (1.0 / mapped.w);
-}
-
-inline void Mat4::translate(double x, double y, double z) {
-    for (int row = 0; row < 4; ++row)
-        m[row + 12] += m[row] * x + m[row + 4] * y + m[row + 8] * z;
-}
-
-inline void Mat4::scale(double x, double y, double z) {
-    for (int row = 0; row < 4; ++row) {
-        m[row] *= x;
-        m[row + 4] *= y;
-        m[row + 8] *= z;
+inline constexpr void Mat4::mult(const Mat4& a, const Mat4& b, Mat4& out) noexcept {
+    if (std::is_constant_evaluated()) {
+        Mat4 left = a;
+        const Mat4 right = b;
+        for (int column = 0; column < 4; ++column)
+            out.setColumn(column, left.mult(right.getColumn(column)));
+        return;
+    }
+    // All of the left matrix is read before the first element is written.
+    const Pair u0 = loadPair(a.m), u1 = loadPair(a.m + 4), u2 = loadPair(a.m + 8), u3 = loadPair(a.m + 12);
+    const Pair l0 = loadPair(a.m + 2), l1 = loadPair(a.m + 6), l2 = loadPair(a.m + 10), l3 = loadPair(a.m + 14);
+    for (int column = 0; column < 16; column += 4) {
+        const double x = b.m[column], y = b.m[column + 1], z = b.m[column + 2], w = b.m[column + 3];
+        storePair(out.m + column, combined(u0, u1, u2, u3, x, y, z, w));
+        storePair(out.m + column + 2, combined(l0, l1, l2, l3, x, y, z, w));
     }
 }
 
-inline void Mat4::position(Vec3 const& p) {
-    m[12] = p.x;
-    m[13] = p.y;
-    m[14] = p.z;
+inline constexpr Vec4 Mat4::mult(const Vec4& v) noexcept {
+    const auto rows = [&]<typename Rows>(Rows c0, Rows c1, Rows c2, Rows c3) {
+        return combined(c0, c1, c2, c3, v.x, v.y, v.z, v.w);
+    };
+    if (std::is_constant_evaluated())
+        return Vec4(rows(m[0], m[4], m[8], m[12]), rows(m[1], m[5], m[9], m[13]), rows(m[2], m[6], m[10], m[14]),
+                    rows(m[3], m[7], m[11], m[15]));
+    return std::bit_cast<Vec4>(std::array{rows(loadPair(m), loadPair(m + 4), loadPair(m + 8), loadPair(m + 12)),
+                                          rows(loadPair(m + 2), loadPair(m + 6), loadPair(m + 10), loadPair(m + 14))});
 }
 
-inline double Mat4::determinant() {
+constexpr double Mat4::determinant() noexcept {
     const auto minor = [this](int left, int right) {
         return m[4 * left] * m[4 * right + 1] - m[4 * right] * m[4 * left + 1];
     };
@@ -201,6 +261,32 @@ inline double Mat4::determinant() {
     const double m12 = minor(1, 2), m13 = minor(1, 3), m23 = minor(2, 3);
     return m[3] * (m[10] * m13 - m[6] * m23 - m[14] * m12) + m[7] * (m[2] * m23 - m[10] * m03 + m[14] * m02) +
            m[11] * (m[6] * m03 - m[2] * m13 - m[14] * m01) + m[15] * (m[2] * m12 - m[6] * m02 + m[10] * m01);
+}
+
+/// The images of the axes under the rotation of a quaternion: columns 0 to 2 of its matrix.
+struct RotatedAxes {
+    Vec4 x, y, z;
+
+    explicit constexpr RotatedAxes(const Quaternion& q) noexcept {
+        // Doubled before the products and not after the sums, as the formula has it: the same bits, as long as nothing
+        // overflows or underflows.
+        const double x2 = 2.0 * q.x, y2 = 2.0 * q.y, z2 = 2.0 * q.z;
+        const double xx = x2 * q.x, xy = x2 * q.y, xz = x2 * q.z, xw = x2 * q.w;
+        const double yy = y2 * q.y, yz = y2 * q.z, yw = y2 * q.w, zz = z2 * q.z, zw = z2 * q.w;
+        x = Vec4(1.0 - (yy + zz), xy + zw, xz - yw, 0.0);
+        y = Vec4(xy - zw, 1.0 - (zz + xx), yz + xw, 0.0);
+        z = Vec4(xz + yw, yz - xw, 1.0 - (yy + xx), 0.0);
+    }
+};
+
+constexpr void Mat4::setWithQuaternion(const Quaternion& q) noexcept {
+    const RotatedAxes axes(q);
+    *this = Mat4(axes.x, axes.y, axes.z, Vec4(0.0, 0.0, 0.0, 1.0), false);
+}
+
+constexpr void Mat4::compose(const Vec3& position, const Quaternion& rotation, const Vec3& scale) noexcept {
+    const RotatedAxes axes(rotation);
+    *this = Mat4(axes.x * scale.x, axes.y * scale.y, axes.z * scale.z, Vec4(position, 1.0), false);
 }
 
 } // namespace Ombrique::GaussianBlur

@@ -37,8 +37,6 @@ void Quaternion::setInverse() {
     normalize();
 }
 
-void Quaternion::conjugate() { set(-x, -y, -z); }
-
 void Quaternion::slerp(const Quaternion& q, double t) {
     constexpr double kSmallSine = 0.001;
     if (t == 1.0)

@@ -21,8 +21,8 @@ struct Quaternion {
 
     Quaternion() = default;
     /// w is 1.
-    Quaternion(double xValue, double yValue, double zValue) : x(xValue), y(yValue), z(zValue) {}
-    Quaternion(double xValue, double yValue, double zValue, double wValue)
+    constexpr Quaternion(double xValue, double yValue, double zValue) noexcept : x(xValue), y(yValue), z(zValue) {}
+    constexpr Quaternion(double xValue, double yValue, double zValue, double wValue) noexcept
         : x(xValue), y(yValue), z(zValue), w(wValue) {}
     /// Axis and angle, with the axis as it is: one that isn't of unit length gives a quaternion that isn't either.
     Quaternion(const Vec3& axis, double angle);
@@ -30,12 +30,14 @@ struct Quaternion {
     Quaternion(const Vec3& from, const Vec3& to) { setWithDirection(from, to); }
 
     /// Exact, without a tolerance. q and -q are the same rotation and compare unequal.
-    bool operator==(const Quaternion& q) const { return x == q.x && y == q.y && z == q.z && w == q.w; }
-    bool operator!=(const Quaternion& q) const { return !(*this == q); }
+    constexpr bool operator==(const Quaternion& q) const noexcept {
+        return x == q.x && y == q.y && z == q.z && w == q.w;
+    }
+    constexpr bool operator!=(const Quaternion& q) const noexcept { return !(*this == q); }
 
     /// w keeps its value, unlike in the constructor.
-    void set(double xValue, double yValue, double zValue) { set(xValue, yValue, zValue, w); }
-    void set(double xValue, double yValue, double zValue, double wValue) {
+    constexpr void set(double xValue, double yValue, double zValue) noexcept { set(xValue, yValue, zValue, w); }
+    constexpr void set(double xValue, double yValue, double zValue, double wValue) noexcept {
         *this = Quaternion(xValue, yValue, zValue, wValue);
     }
     /// Axis and angle, with the axis normalised, unlike in the constructor; a zero axis counts as x.
@@ -55,13 +57,18 @@ struct Quaternion {
     /// Conjugates, then normalises.
     void setInverse();
     /// Turns the signs of x, y and z.
-    void conjugate();
+    constexpr void conjugate() noexcept { set(-x, -y, -z); }
     /// this = this * q: q acts before this rotation. Here and below an argument may be this quaternion.
-    void multiply(const Quaternion& q) { multiplyQuaternions(*this, q); }
+    constexpr void multiply(const Quaternion& q) noexcept { multiplyQuaternions(*this, q); }
     /// this = q * this: q acts after this rotation.
-    void premultiply(const Quaternion& q) { multiplyQuaternions(q, *this); }
+    constexpr void premultiply(const Quaternion& q) noexcept { multiplyQuaternions(q, *this); }
     /// this = a * b.
-    void multiplyQuaternions(const Quaternion& a, const Quaternion& b);
+    constexpr void multiplyQuaternions(const Quaternion& a, const Quaternion& b) noexcept {
+        set(a.x * b.w + a.w * b.x + a.y * b.z - a.z * b.y, //
+            a.y * b.w + a.w * b.y + a.z * b.x - a.x * b.z, //
+            a.z * b.w + a.w * b.z + a.x * b.y - a.y * b.x, //
+            a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z);
+    }
     /// Moves from this rotation towards q along the shorter arc; t is not clamped. At t = 1 exactly it becomes q
     /// itself, with q's sign. Rotations closer than 0.001 in sine become their plain mean, for every other t but 0. The
     /// result isn't normalised.
@@ -73,12 +80,17 @@ struct Quaternion {
     double getRotationAngle();
     /// (0, 0, 1) where w is within about 1e-12 of 1 or -1.
     Vec3 getRotationAxis();
-    double dot(const Quaternion& q) { return x * q.x + y * q.y + z * q.z + w * q.w; }
-    double lengthSq() { return dot(*this); }
+    constexpr double dot(const Quaternion& q) noexcept { return x * q.x + y * q.y + z * q.z + w * q.w; }
+    constexpr double lengthSq() noexcept { return dot(*this); }
     double length() { return std::sqrt(lengthSq()); }
 
     /// v rotated by q, which is taken to be of unit length.
-    static Vec3 quaternionMulVec3(const Quaternion& q, const Vec3& v);
+    static constexpr Vec3 quaternionMulVec3(const Quaternion& q, const Vec3& v) noexcept {
+        const Vec3 u(q.x, q.y, q.z);
+        // Doubled before the sum and not after it, as the formula has it: the same bits, as long as nothing overflows.
+        const Vec3 t = u.cross(v) * 2.0;
+        return t * q.w + u.cross(t) + v;
+    }
     /// `slerp` from a to b as a new value: spherical, not linear. Equal quaternions give a for every t.
     static Quaternion lerp(const Quaternion& a, const Quaternion& b, double t);
 };
@@ -91,20 +103,6 @@ inline void Quaternion::normalize() {
     }
     const double inv = 1.0 / len;
     set(x * inv, y * inv, z * inv, w * inv);
-}
-
-inline void Quaternion::multiplyQuaternions(const Quaternion& a, const Quaternion& b) {
-    set(a.x * b.w + a.w * b.x + a.y * b.z - a.z * b.y, //
-        a.y * b.w + a.w * b.y + a.z * b.x - a.x * b.z, //
-        a.z * b.w + a.w * b.z + a.x * b.y - a.y * b.x, //
-        a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z);
-}
-
-inline Vec3 Quaternion::quaternionMulVec3(const Quaternion& q, const Vec3& v) {
-    const Vec3 u(q.x, q.y, q.z);
-    const Vec3 t = u.cross(v);
-    const Vec3 c = u.cross(t);
-    return (t * q.w + c) * 2.0 + v;
 }
 
 } // namespace Ombrique::GaussianBlur

@@ -11,10 +11,10 @@ struct Range {
     std::int32_t second;
 
     /// From 0 to the largest 32-bit integer, or (0, 0).
-    explicit Range(bool all) : Range(0, all ? std::numeric_limits<std::int32_t>::max() : 0) {}
+    explicit constexpr Range(bool all) noexcept : Range(0, all ? std::numeric_limits<std::int32_t>::max() : 0) {}
     /// The second is 0.
-    explicit Range(int firstValue) : Range(firstValue, 0) {}
-    Range(int firstValue, int secondValue) : first(firstValue), second(secondValue) {}
+    explicit constexpr Range(int firstValue) noexcept : Range(firstValue, 0) {}
+    constexpr Range(int firstValue, int secondValue) noexcept : first(firstValue), second(secondValue) {}
 };
 
 } // namespace Ombrique::GaussianBlur

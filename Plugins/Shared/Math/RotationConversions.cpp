@@ -11,19 +11,9 @@ namespace Ombrique::GaussianBlur {
 
 namespace {
 
-/// The images of the axes under the rotation of a quaternion: columns 0 to 2 of its matrix.
-struct RotatedAxes {
-    Vec4 x, y, z;
-
-    explicit RotatedAxes(Quaternion const& q)
-        : x(1.0 - 2.0 * (q.y * q.y + q.z * q.z), 2.0 * (q.x * q.y + q.z * q.w), 2.0 * (q.x * q.z - q.y * q.w), 0.0),
-          y(2.0 * (q.x * q.y - q.z * q.w), 1.0 - 2.0 * (q.z * q.z + q.x * q.x), 2.0 * (q.y * q.z + q.x * q.w), 0.0),
-          z(2.0 * (q.x * q.z + q.y * q.w), 2.0 * (q.y * q.z - q.x * q.w), 1.0 - 2.0 * (q.y * q.y + q.x * q.x), 0.0) {}
-};
-
 /// The reverse: the rotation whose matrix has these columns. It starts from the component that is the largest, as near
 /// as the diagonal tells, so that no divisor is small.
-Quaternion rotationOntoAxes(Vec3 const& x, Vec3 const& y, Vec3 const& z) {
+Quaternion rotationOntoAxes(const Vec3& x, const Vec3& y, const Vec3& z) {
     const double trace = x.x + y.y + z.z;
     if (trace > 0.0) {
         const double s = 0.5 / std::sqrt(trace + 1.0);
@@ -43,17 +33,7 @@ Quaternion rotationOntoAxes(Vec3 const& x, Vec3 const& y, Vec3 const& z) {
 
 } // namespace
 
-void Mat4::setWithQuaternion(Quaternion const& q) {
-    const RotatedAxes axes(q);
-    *this = Mat4(axes.x, axes.y, axes.z, Vec4(0.0, 0.0, 0.0, 1.0), false);
-}
-
-void Mat4::compose(Vec3 const& position, Quaternion const& rotation, Vec3 const& scale) {
-    const RotatedAxes axes(rotation);
-    *this = Mat4(axes.x * scale.x, axes.y * scale.y, axes.z * scale.z, Vec4(position, 1.0), false);
-}
-
-void Mat4::compose(Vec3 const& anchor, Vec3 const& position, Quaternion const& rotation, Vec3 const& scale) {
+void Mat4::compose(const Vec3& anchor, const Vec3& position, const Quaternion& rotation, const Vec3& scale) {
     const Vec3 scaledAnchor = anchor * scale;
     Mat4 translation(false);
     translation.setTranslate(position);
@@ -82,7 +62,7 @@ void Mat4::decompose(Vec3& position, Quaternion& rotation, Vec3& scale) {
     scale = lengths;
 }
 
-void Mat4::decompose(Vec3 const& anchor, Vec3& position, Quaternion& rotation, Vec3& scale) {
+void Mat4::decompose(const Vec3& anchor, Vec3& position, Quaternion& rotation, Vec3& scale) {
     const Vec3 anchorOffset = multWithoutTranslate(anchor);
     decompose(position, rotation, scale);
     position += anchorOffset;
@@ -137,7 +117,7 @@ void Quaternion::setWithEuler(const Euler& euler) {
 namespace {
 
 /// Beyond this absolute value the sine of the middle angle counts as gimbal lock: 0.999999 in single precision.
-constexpr double kGimbalLock = 0.999999F;
+constexpr double kGimbalLock = 0.999999f;
 
 /// How one order's angles are read off the elements of a matrix.
 struct AngleExtraction {
@@ -194,23 +174,23 @@ void Euler::setWithQuaternion(const Quaternion& q, RotationOrder newOrder) {
 
 // Vec3
 
-void Vec3::setFromMatrixPosition(Mat4 const& m) { setFromMatrixColumn(m, 3); }
+void Vec3::setFromMatrixPosition(const Mat4& m) { setFromMatrixColumn(m, 3); }
 
-void Vec3::setFromMatrixColumn(Mat4 const& m, int i) { fromArray(m.m, 4 * i); }
+void Vec3::setFromMatrixColumn(const Mat4& m, int i) { fromArray(m.m, 4 * i); }
 
-void Vec3::applyMatrix4(Mat4 const& m) {
+void Vec3::applyMatrix4(const Mat4& m) {
     const double* const e = m.m;
     set(e[0] * x + e[4] * y + e[8] * z + e[12], e[1] * x + e[5] * y + e[9] * z + e[13],
         e[2] * x + e[6] * y + e[10] * z + e[14]);
 }
 
-void Vec3::applyProjection(Mat4 const& m) {
+void Vec3::applyProjection(const Mat4& m) {
     const double d = 1.0 / (m.m[3] * x + m.m[7] * y + m.m[11] * z + m.m[15]);
     applyMatrix4(m);
     mult(d);
 }
 
-void Vec3::applyQuaternion(Quaternion const& q) {
+void Vec3::applyQuaternion(const Quaternion& q) {
     const double ix = q.w * x + q.y * z - q.z * y;
     const double iy = q.w * y + q.z * x - q.x * z;
     const double iz = q.w * z + q.x * y - q.y * x;
@@ -220,7 +200,7 @@ void Vec3::applyQuaternion(Quaternion const& q) {
         iz * q.w - iw * q.z - ix * q.y + iy * q.x);
 }
 
-void Vec3::transformDirection(Mat4 const& m) {
+void Vec3::transformDirection(const Mat4& m) {
     const double* const e = m.m;
     set(e[0] * x + e[4] * y + e[8] * z, e[1] * x + e[5] * y + e[9] * z, e[2] * x + e[6] * y + e[10] * z);
     setLength(1.0);

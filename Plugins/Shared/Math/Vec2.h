@@ -21,13 +21,21 @@ struct Vec2 {
     double y = 0.0;
 
     Vec2() = default;
-    Vec2(double xValue, double yValue) : x(xValue), y(yValue) {}
+    constexpr Vec2(double xValue, double yValue) noexcept : x(xValue), y(yValue) {}
 
-    void set(double xValue, double yValue) { *this = Vec2(xValue, yValue); }
-    void set(Vec2& v) { *this = v; }
+    constexpr void set(double xValue, double yValue) noexcept { *this = Vec2(xValue, yValue); }
+    constexpr void set(Vec2& v) noexcept { *this = v; }
     /// Reads array[offset] and array[offset + 1]; a null array leaves the vector as it is.
     void fromArray(double* array, int offset);
 
+private:
+    // Before its users: Clang evaluates them in constant expressions only where it has seen the body.
+    template <typename Step, typename... Others> constexpr void forEach(Step step, const Others&... others) noexcept {
+        step(x, others.x...);
+        step(y, others.y...);
+    }
+
+public:
     using Self = Vec2;
 #include "Plugins/Shared/Math/VectorMembers.inl"
 
@@ -35,30 +43,30 @@ struct Vec2 {
     Vec2 modulo(const Vec2& other) const { return Vec2(std::fmod(x, other.x), std::fmod(y, other.y)); }
     Vec2 operator%(const Vec2& other) const { return modulo(other); }
     /// The vector of the products, as operator*; the scalar product is `dot`.
-    Vec2 dotProduction(const Vec2& other) const { return *this * other; }
+    constexpr Vec2 dotProduction(const Vec2& other) const noexcept { return *this * other; }
 
     /// In place, the smaller of each component; on a tie or NaN this vector's own.
-    void getMin(const Vec2& other) {
+    constexpr void getMin(const Vec2& other) noexcept {
         forEach([](double& own, double o) { own = std::min(own, o); }, other);
     }
     /// In place, the larger of each component; on a tie or NaN the other's.
-    void getMax(const Vec2& other) {
+    constexpr void getMax(const Vec2& other) noexcept {
         forEach([](double& own, double o) { own = std::max(o, own); }, other);
     }
     /// In place, each component to its range; where low lies above high, a component below low becomes low.
-    void clamp(const Vec2& low, const Vec2& high) {
+    constexpr void clamp(const Vec2& low, const Vec2& high) noexcept {
         forEach([](double& own, double l, double h) { own = GaussianBlur::clamp(own, l, h); }, low, high);
     }
     /// Negates each component that is positive where the other's isn't, or the reverse. Zero counts as not positive.
-    void followSigns(const Vec2& other) {
+    constexpr void followSigns(const Vec2& other) noexcept {
         forEach([](double& own, double o) { own = (own > 0.0) != (o > 0.0) ? -own : own; }, other);
     }
 
-    double dot(const Vec2& other) const { return x * other.x + y * other.y; }
+    constexpr double dot(const Vec2& other) const noexcept { return x * other.x + y * other.y; }
     /// The z component of the product in space: positive where other lies counter-clockwise of this vector.
-    double cross(const Vec2& other) const { return cross(x, y, other.x, other.y); }
-    static double cross(double x1, double y1, double x2, double y2) { return x1 * y2 - y1 * x2; }
-    static double distanceSquared(const Vec2& a, const Vec2& b) { return (a - b).lengthSquare(); }
+    constexpr double cross(const Vec2& other) const noexcept { return cross(x, y, other.x, other.y); }
+    static constexpr double cross(double x1, double y1, double x2, double y2) noexcept { return x1 * y2 - y1 * x2; }
+    static constexpr double distanceSquared(const Vec2& a, const Vec2& b) noexcept { return (a - b).lengthSquare(); }
     /// Scales two numbers to unit length in place. Unlike the member of that name it leaves a vector no longer than
     /// 1e-12 as it is. Neither pointer may be null.
     static void normalize(double* x, double* y);
@@ -67,8 +75,8 @@ struct Vec2 {
     Vec2 project(const Vec2& other) const;
     /// The distance of this point from the infinite line through a and b; NaN where a = b.
     double distanceToLine(const Vec2& a, const Vec2& b);
-    /// How far from a, without sign, this point's perpendicular meets the infinite line through a and b; NaN where a =
-    /// b.
+    /// The distance, without sign, from a to the foot of this point's perpendicular on the infinite line through a and
+    /// b; NaN where a = b.
     double lineProjectionLength(const Vec2& a, const Vec2& b);
 
     /// The direction, from -180 to 180; 0 for the exact zero vector.
@@ -79,41 +87,41 @@ struct Vec2 {
     double angleBetween(const Vec2& other) const;
     /// 1 to 4, counter-clockwise from x, y >= 0. Zero counts as positive.
     int getQuadrant() const;
-    double slope() const { return y / x; }
+    constexpr double slope() const noexcept { return y / x; }
     /// Turns the vector about the origin. Here and below an angle of exactly 0 changes no bit.
     void rotate(double degrees);
     /// The point turned about the centre, as a new value or in place.
     Vec2 rotateRound(double degrees, const Vec2& center) const;
     void rotateAround(double degrees, const Vec2& center) { *this = rotateRound(degrees, center); }
     /// A quarter turn counter-clockwise, exact.
-    Vec2 normal() const { return Vec2(-y, x); }
-    Vec2 perpindicularLeft() const { return normal(); }
+    constexpr Vec2 normal() const noexcept { return Vec2(-y, x); }
+    constexpr Vec2 perpindicularLeft() const noexcept { return normal(); }
     /// A quarter turn clockwise, exact.
-    Vec2 perpindicularRight() const { return Vec2(y, -x); }
+    constexpr Vec2 perpindicularRight() const noexcept { return Vec2(y, -x); }
     /// A quarter turn counter-clockwise in place, exact.
-    void prepen() { *this = normal(); }
+    constexpr void prepen() noexcept { *this = normal(); }
     /// The straight line from a (t = 0) to b (t = 1); t is not clamped.
-    static Vec2 lerp(Vec2 a, Vec2 b, double t) { return a * (1.0 - t) + b * t; }
+    static constexpr Vec2 lerp(Vec2 a, Vec2 b, double t) noexcept { return a * (1.0 - t) + b * t; }
 
     /// Each component within 1e-12, the bound included.
-    bool operator==(const Vec2& other) const { return equal(other, kTolerance); }
-    bool operator!=(const Vec2& other) { return !(*this == other); }
+    constexpr bool operator==(const Vec2& other) const noexcept { return equal(other, kTolerance); }
+    constexpr bool operator!=(const Vec2& other) noexcept { return !(*this == other); }
     /// Each component within the tolerance, the bound included.
-    bool equal(const Vec2& other, double tolerance) const {
+    constexpr bool equal(const Vec2& other, double tolerance) const noexcept {
         return isNear(x, other.x, tolerance) && isNear(y, other.y, tolerance);
     }
     /// A Euclidean distance below the tolerance, the bound excluded: a tolerance of 0 is false for identical points.
-    static bool equalWithTolerance(double x1, double y1, double x2, double y2, double tolerance) {
+    static constexpr bool equalWithTolerance(double x1, double y1, double x2, double y2, double tolerance) noexcept {
         return equalWithTolerance(Vec2(x1, y1), Vec2(x2, y2), tolerance);
     }
-    static bool equalWithTolerance(Vec2 a, Vec2 b, double tolerance) {
+    static constexpr bool equalWithTolerance(Vec2 a, Vec2 b, double tolerance) noexcept {
         return tolerance * tolerance > distanceSquared(a, b);
     }
-    bool isZero() const { return x == 0.0 && y == 0.0; }
+    constexpr bool isZero() const noexcept { return x == 0.0 && y == 0.0; }
     /// Whether a number, or each component, lies inside (-1e-12, 1e-12), the bounds excluded.
-    static bool negligible(double v) { return -kTolerance < v && v < kTolerance; }
-    bool negligible() const { return negligible(x) && negligible(y); }
-    bool nonNegligible() const { return !negligible(); }
+    static constexpr bool negligible(double v) noexcept { return -kTolerance < v && v < kTolerance; }
+    constexpr bool negligible() const noexcept { return negligible(x) && negligible(y); }
+    constexpr bool nonNegligible() const noexcept { return !negligible(); }
     /// Whether the directions are parallel or opposite, or at right angles, to within 1e-12 of the product of the
     /// lengths, the bound included. A zero vector is both to every other.
     bool isCollinear(const Vec2& other) const;
@@ -123,10 +131,10 @@ struct Vec2 {
 
     /// From a plane with its origin in the centre and y up to one with its origin at the top left and y down, for an
     /// area of the given size. Despite the names, `topLeftToCenterPoint` is the way back.
-    static Vec2 centerToTopLefetPoint(const Vec2& p, const Vec2& size) {
+    static constexpr Vec2 centerToTopLefetPoint(const Vec2& p, const Vec2& size) noexcept {
         return Vec2(p.x + size.x * 0.5, size.y * 0.5 - p.y);
     }
-    static Vec2 topLeftToCenterPoint(const Vec2& p, const Vec2& size) {
+    static constexpr Vec2 topLeftToCenterPoint(const Vec2& p, const Vec2& size) noexcept {
         return Vec2(p.x - size.x * 0.5, size.y * 0.5 - p.y);
     }
     /// Twice the area of the triangle, positive where a, b, c run counter-clockwise.
@@ -150,12 +158,6 @@ struct Vec2 {
     /// For 1, 3, 4 and 5, out is the meeting point, and *ua and *ub tell where it lies on each segment, from 0 at a and
     /// c to 1 at b and d. For 0 and 2 the two keep what they held. Either pointer may be null.
     static int intersect(const Vec2& a, const Vec2& b, const Vec2& c, const Vec2& d, Vec2& out, double* ua, double* ub);
-
-private:
-    template <typename Step, typename... Others> void forEach(Step step, const Others&... others) {
-        step(x, others.x...);
-        step(y, others.y...);
-    }
 };
 
 } // namespace Ombrique::GaussianBlur

@@ -5,7 +5,7 @@ namespace Ombrique::GaussianBlur {
 namespace {
 
 /// 1 - cosine below this blends along the chord: 0.01 in single precision.
-constexpr double kChordBelow = 0.01F;
+constexpr double kChordBelow = 0.01f;
 
 /// The sine of an angle, angle and result in single precision.
 float singleSine(double angle) { return std::sin(static_cast<float>(angle)); }
@@ -27,7 +27,7 @@ Vec4 Vec4::lerp(Vec4 a, Vec4 b, double t) {
     double weightB = t;
     if (!(1.0 - cosine < kChordBelow)) {
         const double theta = std::acos(static_cast<float>(cosine));
-        const double inverseSine = 1.0F / singleSine(theta);
+        const double inverseSine = 1.0f / singleSine(theta);
         weightA = inverseSine * singleSine((1.0 - t) * theta);
         weightB = inverseSine * singleSine(theta * t);
     }

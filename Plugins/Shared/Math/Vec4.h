@@ -16,21 +16,34 @@ struct Vec4 {
     double w = 0.0;
 
     Vec4() = default;
-    Vec4(double xValue, double yValue, double zValue, double wValue) : x(xValue), y(yValue), z(zValue), w(wValue) {}
-    Vec4(Vec3 const& v, double wValue) : x(v.x), y(v.y), z(v.z), w(wValue) {}
+    constexpr Vec4(double xValue, double yValue, double zValue, double wValue) noexcept
+        : x(xValue), y(yValue), z(zValue), w(wValue) {}
+    constexpr Vec4(const Vec3& v, double wValue) noexcept : x(v.x), y(v.y), z(v.z), w(wValue) {}
 
-    void set(double xValue, double yValue, double zValue, double wValue) {
+    constexpr void set(double xValue, double yValue, double zValue, double wValue) noexcept {
         *this = Vec4(xValue, yValue, zValue, wValue);
     }
     /// x, y and z as they are: w is dropped, not divided by.
-    Vec3 getVec3() const { return Vec3(x, y, z); }
+    constexpr Vec3 getVec3() const noexcept { return Vec3(x, y, z); }
 
+private:
+    // Before its users: Clang evaluates them in constant expressions only where it has seen the body.
+    template <typename Step, typename... Others> constexpr void forEach(Step step, const Others&... others) noexcept {
+        step(x, others.x...);
+        step(y, others.y...);
+        step(z, others.z...);
+        step(w, others.w...);
+    }
+
+public:
     using Self = Vec4;
 #include "Plugins/Shared/Math/VectorMembers.inl"
 
-    double dot(Vec4 const& other) const { return x * other.x + y * other.y + z * other.z + w * other.w; }
+    constexpr double dot(const Vec4& other) const noexcept {
+        return x * other.x + y * other.y + z * other.z + w * other.w;
+    }
     /// One over each component.
-    Vec4 invert() const { return Vec4(1.0 / x, 1.0 / y, 1.0 / z, 1.0 / w); }
+    constexpr Vec4 invert() const noexcept { return Vec4(1.0 / x, 1.0 / y, 1.0 / z, 1.0 / w); }
     /// The sum of the absolute values.
     double lengthManhattan() const;
 
@@ -42,21 +55,13 @@ struct Vec4 {
     static Vec4 lerp(Vec4 a, Vec4 b, double t);
 
     /// A Euclidean distance below 1e-12, the bound excluded.
-    bool operator==(Vec4 const& other) const { return 1e-24 > (*this - other).lengthSquare(); }
-    bool operator!=(Vec4 const& other) const { return !(*this == other); }
+    constexpr bool operator==(const Vec4& other) const noexcept { return 1e-24 > (*this - other).lengthSquare(); }
+    constexpr bool operator!=(const Vec4& other) const noexcept { return !(*this == other); }
     /// A Euclidean distance below the tolerance, the bound excluded: a tolerance of 0 is false for identical vectors.
-    bool equal(Vec4 const& other, double tolerance) const {
+    constexpr bool equal(const Vec4& other, double tolerance) const noexcept {
         return tolerance * tolerance > (*this - other).lengthSquare();
     }
-    bool isZero() const { return x == 0.0 && y == 0.0 && z == 0.0 && w == 0.0; }
-
-private:
-    template <typename Step, typename... Others> void forEach(Step step, const Others&... others) {
-        step(x, others.x...);
-        step(y, others.y...);
-        step(z, others.z...);
-        step(w, others.w...);
-    }
+    constexpr bool isZero() const noexcept { return x == 0.0 && y == 0.0 && z == 0.0 && w == 0.0; }
 };
 
 } // namespace Ombrique::GaussianBlur

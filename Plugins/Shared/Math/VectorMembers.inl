@@ -5,85 +5,85 @@
 // Arithmetic, component by component; a number counts for every component. The verbs and the compound operators work in
 // place and return nothing, the plain operators give a new value. Division by zero gives what IEEE arithmetic gives.
 
-void add(const Self& other) {
+constexpr void add(const Self& other) noexcept {
     forEach([](double& own, double o) { own += o; }, other);
 }
-void sub(const Self& other) {
+constexpr void sub(const Self& other) noexcept {
     forEach([](double& own, double o) { own -= o; }, other);
 }
-void mult(const Self& other) {
+constexpr void mult(const Self& other) noexcept {
     forEach([](double& own, double o) { own *= o; }, other);
 }
-void divide(const Self& other) {
+constexpr void divide(const Self& other) noexcept {
     forEach([](double& own, double o) { own /= o; }, other);
 }
-void add(double v) {
+constexpr void add(double v) noexcept {
     forEach([v](double& own) { own += v; });
 }
-void sub(double v) {
+constexpr void sub(double v) noexcept {
     forEach([v](double& own) { own -= v; });
 }
-void mult(double v) {
+constexpr void mult(double v) noexcept {
     forEach([v](double& own) { own *= v; });
 }
-void divide(double v) {
+constexpr void divide(double v) noexcept {
     forEach([v](double& own) { own /= v; });
 }
 
-void operator+=(const Self& other) { add(other); }
-void operator-=(const Self& other) { sub(other); }
-void operator*=(const Self& other) { mult(other); }
-void operator/=(const Self& other) { divide(other); }
-void operator+=(double v) { add(v); }
-void operator-=(double v) { sub(v); }
-void operator*=(double v) { mult(v); }
-void operator/=(double v) { divide(v); }
+constexpr void operator+=(const Self& other) noexcept { add(other); }
+constexpr void operator-=(const Self& other) noexcept { sub(other); }
+constexpr void operator*=(const Self& other) noexcept { mult(other); }
+constexpr void operator/=(const Self& other) noexcept { divide(other); }
+constexpr void operator+=(double v) noexcept { add(v); }
+constexpr void operator-=(double v) noexcept { sub(v); }
+constexpr void operator*=(double v) noexcept { mult(v); }
+constexpr void operator/=(double v) noexcept { divide(v); }
 
-Self operator+(const Self& other) const {
+constexpr Self operator+(const Self& other) const noexcept {
     Self result = *this;
     result.add(other);
     return result;
 }
-Self operator-(const Self& other) const {
+constexpr Self operator-(const Self& other) const noexcept {
     Self result = *this;
     result.sub(other);
     return result;
 }
-Self operator*(const Self& other) const {
+constexpr Self operator*(const Self& other) const noexcept {
     Self result = *this;
     result.mult(other);
     return result;
 }
-Self operator/(const Self& other) const {
+constexpr Self operator/(const Self& other) const noexcept {
     Self result = *this;
     result.divide(other);
     return result;
 }
-Self operator+(double v) const {
+constexpr Self operator+(double v) const noexcept {
     Self result = *this;
     result.add(v);
     return result;
 }
-Self operator-(double v) const {
+constexpr Self operator-(double v) const noexcept {
     Self result = *this;
     result.sub(v);
     return result;
 }
-Self operator*(double v) const {
+constexpr Self operator*(double v) const noexcept {
     Self result = *this;
     result.mult(v);
     return result;
 }
-Self operator/(double v) const {
+constexpr Self operator/(double v) const noexcept {
     Self result = *this;
     result.divide(v);
     return result;
 }
 
-void setZero() { *this = Self(); }
+constexpr void setZero() noexcept { *this = Self(); }
 
 /// The vector with every sign turned.
-Self negate() const {
+constexpr Self negate() const noexcept {
     Self result = *this;
     result.forEach([](double& own) { own = -own; });
     return result;
@@ -91,7 +91,7 @@ Self negate() const {
 
 /// Euclidean length over all components, and its square.
 double length() const { return std::sqrt(lengthSquare()); }
-double lengthSquare() const { return dot(*this); }
+constexpr double lengthSquare() const noexcept { return dot(*this); }
 
 /// Euclidean distance between two points.
 double distance(const Self& other) const { return (*this - other).length(); }

@@ -68,7 +68,7 @@ TEST(Rect, SettersMoveOrResize) {
     const Rect rect(Vec2(5, 6), Vec2(10, 20));
     expect("left, top", {after(rect, &Rect::setLeft, 0), after(rect, &Rect::setTop, 1)}, {0, 6, 10, 20, 5, 1, 10, 20});
     expect("setRight", after(rect, &Rect::setRight, 20), {5, 6, 15, 20});
-    expect("setBottom", after(rect, &Rect::setBottom, 6.1f), {5, 6, 10, 6.0999999046325684 - 6});
+    expect("setBottom", after(rect, &Rect::setBottom, 6.1), {5, 6, 10, 6.0999999046325684 - 6});
     expect("setPoint", after(rect, &Rect::setPoint, Vec2(1, 2)), {1, 2, 10, 20});
     expect("setSize", after(rect, &Rect::setSize, Vec2(1, 2)), {5, 6, 1, 2});
     expect("setCenter", after(rect, &Rect::setCenter, Vec2(1, 2)), {-4, -8, 10, 20});

@@ -84,6 +84,8 @@ TEST(Barycentric, WeightsGiveThePointBackInEveryType) {
     check(a, b, c, normal);
     check(Vec4(a, 2), Vec4(b, 2), Vec4(c, 2), Vec4(normal, -5));
     check(color(a, 2), color(b, 2), color(c, 2), color(normal, -5));
+    const Color opaque(0, 0, 0, 1), clear(0, 0, 0, 0), red(1, 0, 0, 0);
+    expect("alpha counts", Barycentric(opaque, clear, red, opaque), {1, 0, 0});
 }
 
 } // namespace

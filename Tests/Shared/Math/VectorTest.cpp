@@ -68,6 +68,13 @@ TYPED_TEST(PlaneAndSpace, ExtremesKeepTheSideThatTiesAndNaNCallFor) {
     }
 }
 
+// Values are made and computed with where nothing runs yet; products of matrices take another way there.
+constexpr Vec3 kUp(0, 1, 0);
+constexpr Vec4 kMapped =
+    Mat4(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0, 0, 1, false) * Vec4(kUp.cross(Vec3(1, 0, 0)), 1);
+static_assert(kMapped == Vec4(1, 1, 1, 1) && Quaternion(0, 0, 1, 0).lengthSq() == 1.0 && kUp.dot(kUp) == 1.0);
+static_assert((Mat4(Vec4(1, 2, 3, 4), Vec4(), Vec4(), Vec4(), true) * Mat4(true)).getRow(0) == Vec4(1, 2, 3, 4));
+
 TEST(Vec2, TurnsAndMeasuresAsEigenDoes) {
     Random random;
     for (int i = 0; i < 20; ++i) {
