@@ -102,6 +102,8 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
     app.add_option("--sheet", arguments.sheet,
                    "Write a contact sheet of INPUT over lists of slider values, and no OUTPUT")
         ->type_name("FILE");
+    app.add_flag("--autocc", arguments.convertsColours,
+                 "Convert colours to sRGB for the effect, and to linear light for OpenEXR and HDR");
     app.add_option("--compression", arguments.compression,
                    "METHOD or METHOD:LEVEL, as the format of OUTPUT has them: zip, piz, jpeg:90, default:9 and so on")
         ->type_name("METHOD");

@@ -23,6 +23,8 @@ struct Arguments {
     ShotRequest shot;
     /// Render nothing, and tell which frames' output isn't there: those that `shot` then comes to.
     bool listMissing = false;
+    /// Convert colour spaces on the way in and out.
+    bool convertsColours = false;
     /// Leave outputs that are there, as a failure.
     bool noOverwrite = false;
     /// Write before and after side by side.

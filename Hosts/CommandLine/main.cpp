@@ -94,7 +94,8 @@ int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& str
     if (!shot.gaps.empty() && arguments.verbosity != Verbosity::Quiet)
         streams.printMessage({"ombrique-render: note: ", arguments.shot.input, ": ", shot.gaps, "\n"});
     const OutputRules rules{!arguments.noOverwrite, [] { return StopSignals::requested() != 0; }};
-    const FrameSettings settings{arguments.values, requireDriver(), arguments.compare, arguments.compression, rules};
+    const FrameSettings settings{arguments.values,      requireDriver(), arguments.compare,
+                                 arguments.compression, rules,           arguments.convertsColours};
     setUp(effect);
     if (arguments.verbosity == Verbosity::Verbose)
         streams.releaseLibraryText();
@@ -109,7 +110,8 @@ int renderFiles(Effect& effect, const Arguments& arguments, StandardStreams& str
 int renderSheet(Effect& effect, const std::vector<Slider>& sliders, const Arguments& arguments,
                 StandardStreams& streams) {
     const ContactSheet sheet{firstInput(arguments.shot), arguments.sheet, arguments.lists,
-                             arguments.compression,      requireDriver(), {!arguments.noOverwrite, {}}};
+                             arguments.compression,      requireDriver(), {!arguments.noOverwrite, {}},
+                             arguments.convertsColours};
     setUp(effect);
     for (const std::string& loss : writeContactSheet(effect, sliders, sheet))
         if (arguments.verbosity != Verbosity::Quiet)

@@ -13,7 +13,7 @@ _ombrique_render() {
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '
                 --into --format --contrast --brightness --frames --part --skip-existing -n --no-overwrite --list-missing
-                --jobs --compare --sheet --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
+                --jobs --compare --sheet --autocc --compression -q --quiet -v --verbose --about -h --help --version' -- "$word")
             return
         fi
         ;;

@@ -78,6 +78,13 @@ bool isForDisplays(const std::string& format) {
     return std::ranges::find(kDisplayed, format) != kDisplayed.end();
 }
 
+OIIO::ColorProcessorHandle colourConversion(const std::string& from, const std::string& to) {
+    if (OIIO::Strutil::iequals(from, to))
+        return {};
+    static const OIIO::ColorConfig config;
+    return config.createColorProcessor(from, to);
+}
+
 int channelsToWrite(const std::string& format, const std::string& extension, int colours, bool hasAlpha) {
     auto held = kChannels.find(OIIO::Strutil::lower(extension));
     if (held == kChannels.end())

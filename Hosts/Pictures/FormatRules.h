@@ -2,6 +2,7 @@
 
 #include "Hosts/Engine/World.h"
 
+#include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 
 #include <string>
@@ -30,6 +31,10 @@ bool declaresAlphaConvention(const std::string& format);
 
 /// Whether the numbers in files of `format` are meant for displays, and not for light.
 bool isForDisplays(const std::string& format);
+
+/// The conversion from one colour space to another, by OpenImageIO's names; null where there is none to do, or one of
+/// them isn't known.
+OIIO::ColorProcessorHandle colourConversion(const std::string& from, const std::string& to);
 
 /// How many channels a file of `format` with this extension (".pgm") gets for a picture of one or three colours, with
 /// alpha or without: grey may become RGB, what is opaque may get an alpha, and alpha may be left out. 0 where the file

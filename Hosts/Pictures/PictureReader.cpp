@@ -80,27 +80,32 @@ struct Clipping {
     }
 };
 
-PF_Pixel8 toPixel(const std::uint8_t* samples, const SampleOffsets& at, AlphaConvention, Clipping&) {
+PF_Pixel8 toPixel(const std::uint8_t* samples, const SampleOffsets& at, AlphaConvention, OIIO::ColorProcessor*,
+                  Clipping&) {
     const std::uint8_t alpha = at.alpha < 0 ? std::uint8_t{255} : samples[at.alpha];
     return {alpha, samples[at.red], samples[at.green], samples[at.blue]};
 }
 
-PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention convention, Clipping& clipping) {
+PF_Pixel8 toPixel(const float* samples, const SampleOffsets& at, AlphaConvention convention,
+                  OIIO::ColorProcessor* conversion, Clipping& clipping) {
     const float alpha = at.alpha < 0 ? 1.0f : samples[at.alpha];
     const float weight = colourWeight(convention, alpha);
     const float scale = weight > 0.0f ? 1.0f / weight : 0.0f;
-    return {quantised(alpha), clipping.quantise(samples[at.red] * scale), clipping.quantise(samples[at.green] * scale),
-            clipping.quantise(samples[at.blue] * scale)};
+    float colours[] = {samples[at.red] * scale, samples[at.green] * scale, samples[at.blue] * scale};
+    if (conversion)
+        conversion->apply(colours);
+    return {quantised(alpha), clipping.quantise(colours[0]), clipping.quantise(colours[1]),
+            clipping.quantise(colours[2])};
 }
 
 /// Rows of the world, from `top` on, out of as many rows of samples.
 template <typename Sample>
 void fillRows(World& world, int top, int rows, const Sample* samples, int channels, const SampleOffsets& at,
-              AlphaConvention convention, Clipping& clipping) {
+              AlphaConvention convention, OIIO::ColorProcessor* conversion, Clipping& clipping) {
     for (int y = top; y < top + rows; ++y) {
         auto* row = reinterpret_cast<PF_Pixel8*>(world.row(y));
         for (int x = 0; x < world.width(); ++x, samples += channels)
-            row[x] = toPixel(samples, at, convention, clipping);
+            row[x] = toPixel(samples, at, convention, conversion, clipping);
     }
 }
 
@@ -119,7 +124,7 @@ int indexOfChannel(const OIIO::ImageSpec& spec, const char* lowerCaseName) {
 
 } // namespace
 
-PictureReader::PictureReader(const std::filesystem::path& path, int longestSide) : mPath(path) {
+PictureReader::PictureReader(const std::filesystem::path& path, int longestSide, bool convertsColours) : mPath(path) {
     requireReadable(path);
     const QuietStandardError quiet;
     OIIO::ImageSpec hints;
@@ -138,6 +143,8 @@ PictureReader::PictureReader(const std::filesystem::path& path, int longestSide)
     chooseChannels();
     noteLosses();
     mTurn = turnUpright(mOrigin.spec);
+    if (convertsColours)
+        prepareConversion();
 }
 
 void PictureReader::requireFitting(int longestSide) const {
@@ -202,6 +209,15 @@ void PictureReader::noteLosses() {
         mOrigin.losses.push_back("its other channels (" + OIIO::Strutil::join(others, ", ") + ") are left out");
 }
 
+void PictureReader::prepareConversion() {
+    const std::string space = mOrigin.spec.get_string_attribute("oiio:ColorSpace", "sRGB");
+    mConversion = colourConversion(space, "sRGB");
+    if (mConversion || OIIO::Strutil::iequals(space, "sRGB"))
+        mOrigin.spec.attribute("oiio:ColorSpace", "sRGB");
+    else
+        mOrigin.losses.push_back("its colour space isn't known, and not converted (" + space + ")");
+}
+
 template <typename Sample>
 bool PictureReader::readRows(int top, int rows, int firstChannel, int endChannel, Sample* samples) {
     const OIIO::TypeDesc type = OIIO::BaseTypeFromC<Sample>::value;
@@ -238,7 +254,7 @@ template <typename Sample> void PictureReader::readAs(World& into, int firstChan
         const int rows = std::min(rowsAtATime, height - top);
         isRead = decoded(mPath, [&] { return readRows(top, rows, firstChannel, endChannel, samples.get()); });
         if (isRead)
-            fillRows(into, top, rows, samples.get(), channels, at, convention, clipping);
+            fillRows(into, top, rows, samples.get(), channels, at, convention, mConversion.get(), clipping);
     }
     // Some decoders fill up what is missing, and tell of it in no other way than by their error text.
     const std::string error = mFile->geterror();
@@ -269,7 +285,7 @@ void PictureReader::readAsFiled(World& into) {
     const int first =
         mOrigin.alpha < 0 ? std::ranges::min(colours) : std::min(std::ranges::min(colours), mOrigin.alpha);
     const int end = std::max(std::ranges::max(colours), mOrigin.alpha) + 1;
-    const bool isTakenAsItIs = mOrigin.spec.format == OIIO::TypeDesc::UINT8 &&
+    const bool isTakenAsItIs = !mConversion && mOrigin.spec.format == OIIO::TypeDesc::UINT8 &&
                                (mOrigin.alpha < 0 || conventionOf(mOrigin) == AlphaConvention::Straight);
     if (isTakenAsItIs)
         readAs<std::uint8_t>(into, first, end);

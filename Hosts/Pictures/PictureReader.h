@@ -3,6 +3,8 @@
 #include "Hosts/Pictures/Orientation.h"
 #include "Hosts/Pictures/Picture.h"
 
+#include <OpenImageIO/color.h>
+
 #include <cstddef>
 #include <filesystem>
 #include <memory>
@@ -16,8 +18,8 @@ namespace Ombrique::Hosts {
 class PictureReader {
 public:
     /// Opens the file and reads its header. A picture with a side beyond `longestSide` pixels, the driver's limit, is
-    /// refused before memory is asked for.
-    PictureReader(const std::filesystem::path& path, int longestSide);
+    /// refused before memory is asked for. With `convertsColours`, read() converts the file's colour space to sRGB.
+    PictureReader(const std::filesystem::path& path, int longestSide, bool convertsColours = false);
 
     /// The size of the data window, in pixels.
     int width() const { return mOrigin.spec.width; }
@@ -40,11 +42,14 @@ private:
     void requireNumbers() const;
     void chooseChannels();
     void noteLosses();
+    void prepareConversion();
 
     std::filesystem::path mPath;
     std::unique_ptr<OIIO::ImageInput> mFile;
     PictureOrigin mOrigin;
     Turn mTurn;
+    /// To sRGB; null where there is nothing to convert.
+    OIIO::ColorProcessorHandle mConversion;
     /// Samples as the file has them, on their way to another type.
     std::vector<std::byte> mNative;
 };

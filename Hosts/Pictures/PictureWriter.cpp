@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <set>
 #include <string_view>
 
@@ -69,14 +70,22 @@ constexpr int kRowsAtATime = 64;
 /// Rows of samples in the order of the file's channels, ready for the encoder.
 class SamplePacker {
 public:
-    SamplePacker(int channels, AlphaConvention convention)
-        : mChannels(channels), mIsStraightRgba(channels == 4 && convention == AlphaConvention::Straight) {
+    /// With a conversion, the samples are floats.
+    SamplePacker(int channels, AlphaConvention convention, OIIO::ColorProcessor* conversion)
+        : mChannels(channels), mIsStraightRgba(channels == 4 && convention == AlphaConvention::Straight && !conversion),
+          mIsConverted(conversion != nullptr) {
+        for (std::size_t level = 0; conversion && level < mLevels.size(); ++level) {
+            float grey[] = {static_cast<float>(level) / 255.0f, static_cast<float>(level) / 255.0f,
+                            static_cast<float>(level) / 255.0f};
+            conversion->apply(grey);
+            mLevels[level] = grey[0];
+        }
         for (std::size_t alpha = 0; alpha < mWeights.size(); ++alpha)
             mWeights[alpha] = colourWeight(convention, static_cast<float>(alpha) / 255.0f);
     }
 
     /// The bytes of a pixel of the file.
-    std::size_t pixelBytes() const { return static_cast<std::size_t>(mChannels); }
+    std::size_t pixelBytes() const { return static_cast<std::size_t>(mChannels) * (mIsConverted ? sizeof(float) : 1); }
 
     /// The rows of `part`, which is as wide as the file's picture, one after the other; black and transparent outside
     /// of `data`, which is the place of `pixels`.
@@ -96,7 +105,7 @@ public:
                 packStraightRgba(from, right - left, to);
             else
                 for (int x = left; x < right; ++x)
-                    to = put(*from++, to);
+                    to = mIsConverted ? putConverted(*from++, to) : put(*from++, to);
         }
     }
 
@@ -120,14 +129,26 @@ private:
             *to++ = pixel.alpha;
         return to;
     }
+    std::uint8_t* putConverted(const PF_Pixel8& pixel, std::uint8_t* to) const {
+        const float weight = mWeights[pixel.alpha];
+        float samples[] = {mLevels[pixel.red] * weight, mLevels[pixel.green] * weight, mLevels[pixel.blue] * weight,
+                           static_cast<float>(pixel.alpha) / 255.0f};
+        if (mChannels == 2)
+            samples[1] = samples[3];
+        std::memcpy(to, samples, pixelBytes());
+        return to + pixelBytes();
+    }
     std::uint8_t weighted(std::uint8_t colour, std::uint8_t alpha) const {
         constexpr float kHalf = 0.5f; // rounds what isn't negative, once it is cut off
         return static_cast<std::uint8_t>(static_cast<float>(colour) * mWeights[alpha] + kHalf);
     }
 
     std::array<float, 256> mWeights{};
+    /// The converted colours.
+    std::array<float, 256> mLevels{};
     int mChannels;
     bool mIsStraightRgba;
+    bool mIsConverted;
 };
 
 /// Whether `holds` is true of any pixel.
@@ -207,24 +228,24 @@ void PictureWriter::encode(const OIIO::ImageSpec& spec, const PackRows& packRows
 bool PictureWriter::encodeRows(const OIIO::ImageSpec& spec, const PackRows& packRows) {
     const bool isTiled = mEncoder->spec().tile_width > 0; // which some formats are by themselves
     // Where nothing is to be converted, OpenImageIO needs no copy of the samples. GIF's encoder always converts.
-    const bool isNative =
-        mEncoder->spec().format == OIIO::TypeDesc::UINT8 && mEncoder->format_name() != std::string_view("gif");
-    const OIIO::TypeDesc type(isNative ? OIIO::TypeDesc::UNKNOWN : OIIO::TypeDesc::UINT8);
+    const bool isNative = mEncoder->spec().format == mSampleType && mEncoder->format_name() != std::string_view("gif");
+    const OIIO::TypeDesc type(isNative ? OIIO::TypeDesc(OIIO::TypeDesc::UNKNOWN) : mSampleType);
     const int rowsAtATime = isTiled ? spec.height : std::min(spec.height, kRowsAtATime);
-    const auto samples = std::make_unique_for_overwrite<std::uint8_t[]>(
-        static_cast<std::size_t>(spec.scanline_bytes()) * static_cast<std::size_t>(rowsAtATime));
+    const auto samples =
+        std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(spec.width * spec.nchannels) *
+                                                       mSampleType.size() * static_cast<std::size_t>(rowsAtATime));
     for (int top = 0; top < spec.height; top += rowsAtATime) {
         const int rows = std::min(rowsAtATime, spec.height - top);
         const int y = spec.y + top;
         packRows(y, rows, samples.get());
-        if (!(isTiled ? mEncoder->write_image(OIIO::TypeDesc::UINT8, samples.get())
+        if (!(isTiled ? mEncoder->write_image(mSampleType, samples.get())
                       : mEncoder->write_scanlines(y, y + rows, 0, type, samples.get())))
             return false;
     }
     return true;
 }
 
-std::vector<std::string> PictureWriter::write(const World& pixels, const PictureOrigin& origin) {
+std::vector<std::string> PictureWriter::write(const World& pixels, const PictureOrigin& origin, bool convertsColours) {
     const std::string format = mEncoder->format_name();
     const int channels = channelsToWrite(format, mPath.extension().string(), origin.colourCount, origin.alpha >= 0);
     if (channels == 0)
@@ -245,14 +266,25 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
     spec.attribute("ico:PNG", 1); // as it comes, the encoder of icons writes beyond its memory
 
     setCompression(spec, mCompression, format, pixels);
-    const SamplePacker packer(channels, convention);
+    const bool isLinear = format == "openexr" || format == "hdr";
+    const auto conversion =
+        convertsColours && isLinear
+            ? colourConversion(origin.spec.get_string_attribute("oiio:ColorSpace", "sRGB"), "Linear")
+            : OIIO::ColorProcessorHandle();
+    if (conversion) {
+        spec.attribute("oiio:ColorSpace", "Linear");
+        spec.set_format(OIIO::TypeDesc::HALF);
+        mSampleType = OIIO::TypeDesc::FLOAT;
+    }
+    const SamplePacker packer(channels, convention, conversion.get());
     encode(spec, [&](int top, int rows, std::uint8_t* samples) {
         packer.pack(pixels, data, {window.x, top, window.width, rows}, samples);
     });
     mFile.commit();
     std::vector<std::string> losses = lossesOf(pixels, withAlpha, format);
     if (isForDisplays(format) && OIIO::Strutil::iequals(origin.spec.get_string_attribute("oiio:ColorSpace"), "linear"))
-        losses.emplace_back("its linear values are kept as they are, and look dark in a format for displays");
+        losses.emplace_back(
+            "its linear values are kept as they are, and look dark in a format for displays; --autocc converts them");
     return losses;
 }
 

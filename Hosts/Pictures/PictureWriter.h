@@ -30,8 +30,10 @@ public:
     /// picture that has one apart from its data fills that window, cropped or padded with black. In a format without
     /// alpha, a translucent picture is laid over black. Once.
     ///
+    /// With `convertsColours`, sRGB becomes linear light in OpenEXR and HDR.
+    ///
     /// Returns what of the picture couldn't be kept, one line each, without the file's name.
-    std::vector<std::string> write(const World& pixels, const PictureOrigin& origin);
+    std::vector<std::string> write(const World& pixels, const PictureOrigin& origin, bool convertsColours = false);
 
 private:
     /// `packRows(y, rows, samples)` fills in the samples of so many rows from y on.
@@ -43,6 +45,8 @@ private:
 
     std::filesystem::path mPath;
     std::string mCompression;
+    /// What the encoder gets.
+    OIIO::TypeDesc mSampleType = OIIO::TypeDesc::UINT8;
     OutputFile mFile;
     /// Encoders may still write while they end, so it outlives the encoder.
     DescriptorProxy mProxy;

@@ -178,7 +178,7 @@ std::vector<std::string> writeContactSheet(Effect& effect, const std::vector<Sli
     if (across.values.size() * down.values.size() > kMostCells)
         throw Failure(sheet.output.string() + ": would have more than " + std::to_string(kMostCells) + " pictures");
     ParameterValues values = fixedValues(sliders, sheet);
-    PictureReader reader(sheet.input, sheet.longestSide);
+    PictureReader reader(sheet.input, sheet.longestSide, sheet.convertsColours);
     PictureWriter writer(sheet.output, sheet.compression, sheet.rules);
     World picture(reader.width(), reader.height());
     reader.read(picture);

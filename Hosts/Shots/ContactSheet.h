@@ -23,6 +23,8 @@ struct ContactSheet {
     /// The longest side of a picture that the driver can hold, in pixels.
     int longestSide = 0;
     OutputRules rules = {};
+    /// See PictureReader.
+    bool convertsColours = false;
 };
 
 /// Writes a contact sheet of a picture: its reduction under each pair of values of the first two sliders, with the

@@ -11,7 +11,7 @@ namespace Ombrique::Hosts {
 
 std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame, const FrameSettings& settings,
                                      FrameWorlds& worlds) {
-    PictureReader reader(frame.input, settings.longestSide);
+    PictureReader reader(frame.input, settings.longestSide, settings.convertsColours);
     PictureWriter writer(frame.output, settings.compression, settings.rules);
     worlds.fit(reader.width(), reader.height());
     reader.read(*worlds.input);
@@ -25,8 +25,9 @@ std::vector<std::string> renderFrame(RenderQueue& queue, const ShotFrame& frame,
 
     PictureOrigin origin = reader.origin();
     std::vector<std::string> losses = origin.losses;
-    std::ranges::move(settings.compare ? writer.write(sideBySide(*worlds.input, *worlds.output, origin), origin)
-                                       : writer.write(*worlds.output, origin),
+    std::ranges::move(settings.compare ? writer.write(sideBySide(*worlds.input, *worlds.output, origin), origin,
+                                                      settings.convertsColours)
+                                       : writer.write(*worlds.output, origin, settings.convertsColours),
                       std::back_inserter(losses));
     return losses;
 }

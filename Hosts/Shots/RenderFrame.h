@@ -20,6 +20,8 @@ struct FrameSettings {
     /// See PictureWriter.
     std::string compression;
     OutputRules rules = {};
+    /// See PictureReader and PictureWriter.
+    bool convertsColours = false;
 };
 
 /// Renders through `renderer`, a CheckedRenderer or a RenderQueue. `name` is the picture's file.

@@ -188,6 +188,20 @@ TEST(FormatsTest, TranslucentPictureIsLaidOverBlackWhereTheFormatHasNoAlpha) {
     EXPECT_EQ(comparePixels(picture, readPictureFile(folder / "out.ppm", kRgb)), "");
 }
 
+TEST(FormatsTest, ConvertsLinearLightBothWays) {
+    const ScratchFolder folder;
+    World grey(3, 2);
+    grey.fill(PF_Pixel8{255, 46, 46, 46}); // 0.18
+    writePictureFile(folder / "in.exr", grey, {"RGB", OIIO::TypeDesc::HALF});
+    PictureReader reader(folder / "in.exr", kLongestSide, true);
+    World pixels(3, 2);
+    reader.read(pixels);
+    EXPECT_EQ(pixels.pixel<PF_Pixel8>(1, 1).green, 118);
+    PictureWriter(folder / "out.exr").write(pixels, reader.origin(), true);
+    EXPECT_EQ(comparePixels(grey, readPictureFile(folder / "out.exr", {"RGB", OIIO::TypeDesc::HALF})), "");
+    EXPECT_EQ(describePictureFile(folder / "out.exr").get_string_attribute("oiio:ColorSpace"), "Linear");
+}
+
 TEST(FormatsTest, TellsWhatShareIsClipped) {
     const ScratchFolder folder;
     OIIO::ImageSpec spec(4, 2, 3, OIIO::TypeDesc::HALF);
