@@ -9,7 +9,7 @@ namespace Ombrique::GaussianBlur {
 
 namespace {
 
-const Box3 kUnit(Vec3(0), Vec3(1));
+const Box3 kUnit(Vec3(0), Vec3(1)), kSlab(Vec3(1, 20, 300), Vec3(2, 22, 303));
 
 TEST(Box3, HoldsJustThePointsThatExpandedIt) {
     Vec3 points[] = {Vec3(-1, -2, -6), Vec3(-4, -5, -3), Vec3(-2, -6, -4)};
@@ -47,11 +47,12 @@ TEST(Box3, FacesBelongToTheBoxOnEachAxis) {
         SCOPED_TRACE(axis);
         EXPECT_TRUE(Box3(single<Vec3>(axis, 0.1), Vec3(1) - single<Vec3>(axis, 1)).isEmpty());
         for (const double side : {-1.0, 1.0}) {
-            const auto moved = [&](double by) { return after(kUnit, &Box3::translate, single<Vec3>(axis, by * side)); };
-            EXPECT_TRUE(kUnit.intersectsBox(moved(1.0)) && !kUnit.intersectsBox(moved(1.1)));
-            EXPECT_TRUE(kUnit.containsPoint(moved(0.5).getCenter()) && !kUnit.containsPoint(moved(0.6).getCenter()));
-            EXPECT_FALSE(kUnit.containsBox(moved(0.1)));
-            expect("disjoint", after(kUnit, &Box3::intersects, moved(1.1)), Box3());
+            const Vec3 size = kSlab.getSize() * single<Vec3>(axis, side);
+            const auto moved = [&](double by) { return after(kSlab, &Box3::translate, size * by); };
+            EXPECT_TRUE(kSlab.intersectsBox(moved(1.0)) && !kSlab.intersectsBox(moved(1.1)));
+            EXPECT_TRUE(kSlab.containsPoint(moved(0.5).getCenter()) && !kSlab.containsPoint(moved(0.6).getCenter()));
+            EXPECT_FALSE(kSlab.containsBox(moved(0.1)));
+            expect("disjoint", after(kSlab, &Box3::intersects, moved(1.1)), Box3());
         }
     }
 }

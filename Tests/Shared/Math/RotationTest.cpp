@@ -74,7 +74,7 @@ TEST(Quaternion, SlerpTakesTheShorterArc) {
     const auto lerp = &Quaternion::lerp;
     const Quaternion none, close = turn(0.000999), far(-0.6, 0, 0, -0.8), shorter(0.3, 0, 0, 0.4),
                            q(0.4999999, 0.4999999, 0.4999999, 0.4999999);
-    expect("the end keeps its sign", lerp(none, far, 1.0), far);
+    expect("the end keeps its sign", lerp(none, {-0.3, 0, 0, -0.4}, 1.0), {-0.3, 0, 0, -0.4});
     expect("the start of close ones", lerp(none, close, 0.0), none);
     expect("opposites", lerp(turn(0.6), far, 0.5), turn(0.6));
     expect("a product of 1 or more", lerp({2, 0, 0, 0}, {0.5, 0.5, 0, 0}, 0.5), {2, 0, 0, 0});
@@ -213,10 +213,10 @@ TEST(RotationConversions, ComposeAndDecomposeUndoEachOther) {
 }
 
 TEST(RotationConversions, VectorsGoThroughMatrices) {
-    const Mat4 m(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 1, -3, 2, 4, false);
+    const Mat4 m(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 1, -3, 5, 4, false);
     const Vec3 v(1, -1, 2);
     expect("applyMatrix4", after(v, &Vec3::applyMatrix4, m), {9, 21, 33});
-    expect("applyProjection", after(v, &Vec3::applyProjection, m), {9 / 12.0, 21 / 12.0, 33 / 12.0}, 1e-15);
+    expect("applyProjection", after(v, &Vec3::applyProjection, m), {9 / 18.0, 21 / 18.0, 33 / 18.0}, 1e-15);
     expect("transformDirection", after(v, &Vec3::transformDirection, m), Eigen::Vector3d(5, 13, 21).normalized(),
            1e-15);
     expect("setFromMatrixColumn", after(v, &Vec3::setFromMatrixColumn, m, 1), {2, 6, 10});

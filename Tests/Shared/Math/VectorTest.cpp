@@ -131,13 +131,14 @@ TEST(Vec2, TolerancesOfTheTests) {
 
 TEST(Vec2, SidesAndQuadrants) {
     const Vec2 a(1, 1), b(3, 2), onLine(5, 3), left(5, 4), right(5, 2);
-    expect("signedArea", Vec2::signedArea(a, b, Vec2(2, 5)), 7);
+    expect("signedArea", Vec2::signedArea(Vec2(1, 2), Vec2(3, 3), Vec2(2, 6)), 7);
     EXPECT_TRUE(Vec2::intersecting(a, b, right, left) && Vec2::intersecting(a, b, onLine, left));
     EXPECT_FALSE(Vec2::intersecting(a, b, onLine, right) || Vec2::intersecting(a, b, left, left));
     for (const Vec2& opposite : {Vec2(-1, -1), Vec2(0, 0), Vec2(0, -1), Vec2(-1, 0)})
         EXPECT_TRUE(Vec2::oppositeQuadrant(a, opposite)) << opposite.x << ", " << opposite.y;
     for (const Vec2& other : {Vec2(-1, 1), Vec2(1, 1), Vec2(1, -1), Vec2(0, 1), Vec2(1, 0)})
         EXPECT_FALSE(Vec2::oppositeQuadrant(a, other)) << other.x << ", " << other.y;
+    EXPECT_FALSE(Vec2::oppositeQuadrant(Vec2(1, -1), Vec2(1, 1)));
     EXPECT_TRUE(Vec2::oppositeQuadrant(Vec2(1, 0), Vec2(-1, 0)) && Vec2::oppositeQuadrant(Vec2(0, 1), Vec2(0, -1)));
 }
 
@@ -192,7 +193,7 @@ TEST(Vec3, SingleOperations) {
     expect("ortho", {after(x, &Vec3::ortho, y), after(Vec3(), &Vec3::ortho, z), after(y, &Vec3::ortho, z)},
            {x, -1, 0, 0, y});
     for (const auto& [u, index] :
-         {std::pair(Vec3(-4, 2, 3), 0), {Vec3(3, 1, -4), 2}, {Vec3(1, -1, 0), 1}, {Vec3(1), 2}})
+         {std::pair(Vec3(-4, 2, 3), 0), {Vec3(3, 1, -4), 2}, {Vec3(-1, 0, 1), 2}, {Vec3(1, -1, 0), 1}, {Vec3(1), 2}})
         expect("largestAbsComponent", u.largestAbsComponent(), index);
     expect("a cycle", {cyclicDifference(350, 10, 360), cyclicDifference(10, 350, 360)}, {-20, 20});
     expect("two cycles", {cyclicDifference(1000, 0, 360), cyclicDifference(0, 1000, 360)}, {640, -640});
