@@ -2,6 +2,7 @@
 
 #include "Plugins/Shared/GL/AEOpenGLContext.h"
 #include "Plugins/Shared/GL/AEOpenglMainFrameBuffer.h"
+#include "Tests/Support/OpenGLObjects.h"
 
 #include <glbinding/gl/gl.h>
 #include <gtest/gtest.h>
@@ -25,30 +26,34 @@ protected:
     PipelineTest() { context.makeContextCurrent(); }
     ~PipelineTest() override { frameBuffer.destory(); }
 
-    static std::vector<Texel> readTexture(unsigned texture) {
-        std::vector<Texel> texels(kTexels);
-        gl::glBindTexture(gl::GL_TEXTURE_2D, texture);
-        gl::glGetTexImage(gl::GL_TEXTURE_2D, 0, gl::GL_RGBA, gl::GL_FLOAT, texels.data());
-        gl::glBindTexture(gl::GL_TEXTURE_2D, 0);
-        return texels;
-    }
-
     static int integer(gl::GLenum name) {
         std::array<int, 4> values{};
         gl::glGetIntegerv(name, values.data());
         return values[0];
     }
 
-    /// How many of the names up to 200 `exists` knows, such as glIsTexture.
-    static int living(gl::GLboolean (*exists)(unsigned)) {
-        int count = 0;
-        for (unsigned name = 1; name <= 200; ++name)
-            count += exists(name) == gl::GL_TRUE ? 1 : 0;
-        return count;
+    /// How many objects of a kind, such as "Texture", there are.
+    static int living(const char* kind) { return countOpenGLObjects(200).at(kind); }
+
+    static std::vector<Texel> readTexture(unsigned texture, int level = 0) {
+        std::vector<Texel> texels(kTexels);
+        gl::glBindTexture(gl::GL_TEXTURE_2D, texture);
+        gl::glGetTexImage(gl::GL_TEXTURE_2D, level, gl::GL_RGBA, gl::GL_FLOAT, texels.data());
+        gl::glBindTexture(gl::GL_TEXTURE_2D, 0);
+        return texels;
     }
 
-    /// How the texture was made; it goes. It is of floats for GL_RGBA32F.
-    static void expectTexture(unsigned texture, gl::GLenum format, gl::GLenum minification, gl::GLenum magnification) {
+    /// Each texel is `expectedAt(index)`.
+    template <typename Expected>
+    static void expectTexels(const std::vector<Texel>& actual, double tolerance, Expected expectedAt) {
+        for (std::size_t i = 0; i < actual.size(); ++i)
+            for (std::size_t channel = 0; channel < 4; ++channel)
+                EXPECT_NEAR(actual[i][channel], expectedAt(i)[channel], tolerance)
+                    << "channel " << channel << " of texel " << i;
+    }
+
+    /// How the texture was made; it goes.
+    static void expectTexture(unsigned texture, gl::GLenum minification, gl::GLenum magnification) {
         gl::glBindTexture(gl::GL_TEXTURE_2D, texture);
         for (const auto& [name, expected] : {std::pair{gl::GL_TEXTURE_MIN_FILTER, minification},
                                              {gl::GL_TEXTURE_MAG_FILTER, magnification},
@@ -58,9 +63,6 @@ protected:
             gl::glGetTexParameteriv(gl::GL_TEXTURE_2D, name, &value);
             EXPECT_EQ(static_cast<gl::GLenum>(value), expected) << static_cast<unsigned>(name);
         }
-        int type = 0;
-        gl::glGetTexLevelParameteriv(gl::GL_TEXTURE_2D, 0, gl::GL_TEXTURE_RED_TYPE, &type);
-        EXPECT_EQ(static_cast<gl::GLenum>(type) == gl::GL_FLOAT, format == gl::GL_RGBA32F);
         gl::glDeleteTextures(1, &texture);
     }
 

@@ -2,34 +2,29 @@
 
 #include <glbinding/Function.h>
 
-#include <functional>
-#include <utility>
+#include <tuple>
+#include <vector>
 
 namespace Ombrique::Tests {
 
-/// Counts the calls of one OpenGL function, for as long as it lives: RecordedCalls(glbinding::Binding::Flush).
+/// The calls of one OpenGL function, for as long as it lives: RecordedCalls(glbinding::Binding::Flush).
 template <typename... Arguments> class RecordedCalls {
 public:
-    /// `look` sees the arguments of each call.
-    explicit RecordedCalls(glbinding::Function<void, Arguments...>& function,
-                           std::function<void(Arguments...)> look = nullptr)
-        : mFunction(function) {
+    explicit RecordedCalls(glbinding::Function<void, Arguments...>& function) : mFunction(function) {
         mFunction.addCallbackMask(glbinding::CallbackMask::Before);
-        mFunction.setBeforeCallback([this, look = std::move(look)](Arguments... arguments) {
-            ++mCount;
-            if (look)
-                look(arguments...);
-        });
+        mFunction.setBeforeCallback([this](Arguments... arguments) { mCalls.emplace_back(arguments...); });
     }
     RecordedCalls(const RecordedCalls&) = delete;
     RecordedCalls& operator=(const RecordedCalls&) = delete;
     ~RecordedCalls() { mFunction.clearBeforeCallback(); }
 
-    int count() const { return mCount; }
+    /// The arguments of each call.
+    const std::vector<std::tuple<Arguments...>>& calls() const { return mCalls; }
+    int count() const { return static_cast<int>(mCalls.size()); }
 
 private:
     glbinding::Function<void, Arguments...>& mFunction;
-    int mCount = 0;
+    std::vector<std::tuple<Arguments...>> mCalls;
 };
 
 } // namespace Ombrique::Tests
