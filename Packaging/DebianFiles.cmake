@@ -10,7 +10,8 @@ endfunction()
 
 set(documents ${runtime}/share/doc/ombrique-contrast)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/changelog.in ${documents}/changelog.Debian @ONLY)
-run(gzip -9n ${documents}/changelog.Debian ${runtime}/share/man/man1/ombrique-render.1)
+file(GLOB pages ${runtime}/share/man/man1/*)
+run(gzip -9n ${documents}/changelog.Debian ${pages})
 
 # The second package has these in a folder of its own name.
 file(COPY ${documents}/changelog.Debian.gz ${documents}/copyright DESTINATION ${development}/share/doc/libombrique-dev)
@@ -23,7 +24,7 @@ run(chmod -R u=rwX,go=rX ${runtime}/share ${development}/share)
 # Not by CPACK_STRIP_FILES, which leaves these sections and all archives as they are.
 set(strip strip --remove-section=.comment --remove-section=.note)
 file(GLOB_RECURSE binaries
-    ${runtime}/bin/* ${runtime}/lib/frei0r-1/*.so ${runtime}/lib/ombrique/*.plugin/Contents/Linux/*)
+    ${runtime}/bin/ombrique-render ${runtime}/lib/frei0r-1/*.so ${runtime}/lib/ombrique/*.plugin/Contents/Linux/*)
 run(${strip} --strip-unneeded ${binaries})
 file(GLOB archives ${development}/lib/*.a)
 run(${strip} --strip-debug --enable-deterministic-archives ${archives})

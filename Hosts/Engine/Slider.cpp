@@ -31,7 +31,8 @@ std::vector<Slider> declaredSliders(const PluginBundle& bundle) {
         ++index;
         const PF_FloatSliderDef& slider = declared.u.fs_d;
         if (declared.param_type == PF_Param_FLOAT_SLIDER && slider.valid_min < slider.valid_max)
-            sliders.push_back({index, declared.name, slider.valid_min, slider.valid_max, slider.dephault});
+            sliders.push_back(
+                {index, declared.name, slider.valid_min, slider.valid_max, slider.dephault, slider.precision});
     }
     return sliders;
 }

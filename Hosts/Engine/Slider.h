@@ -17,6 +17,8 @@ struct Slider {
     double minimum;
     double maximum;
     double defaultValue;
+    /// Digits shown after the point.
+    int precision;
 
     /// The name as a word for a command line, as "contrast": in lower case, blanks as hyphens, without "Value" at its
     /// end.

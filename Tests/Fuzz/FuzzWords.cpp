@@ -53,7 +53,7 @@ void framePattern(const std::string& text) {
     require(pattern->at(1).parent_path() == std::filesystem::path(text).parent_path(), "in the pattern's folder");
 }
 
-const Slider kSlider{1, "Contrast Value", 0.0, 10.0, 1.0};
+const Slider kSlider{1, "Contrast Value", 0.0, 10.0, 1.0, 2};
 
 void slider(const std::string& text) {
     const SliderValue value = parseSliderValue(kSlider, text);
