@@ -1,5 +1,4 @@
 #include "Platform/OpenGL/CGLCurrent.h"
-#include "Platform/OpenGL/NSOpenGLContext.h"
 #include "Plugins/Shared/GL/AEOpenGLContext.h"
 #include "Plugins/Shared/GL/AEOpenGLContextManager.h"
 #include "Plugins/Shared/GL/PerContext.h"
@@ -8,13 +7,12 @@
 #include "Tests/Support/HostContext.h"
 
 #include <glbinding/Binding.h>
-#include <glbinding/Meta.h>
 #include <glbinding/gl/gl.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -26,26 +24,13 @@ using namespace gl;
 
 namespace {
 
-/// An incomplete one.
-void bindFrameBuffer() {
-    unsigned name = 0;
-    glGenFramebuffers(1, &name);
-    glBindFramebuffer(GL_FRAMEBUFFER, name);
-}
-
 TEST(Context, WritesItsIdentityInSixLines) {
     testing::internal::CaptureStdout();
     const AEOpenGLContext context(nullptr);
     const std::string text = testing::internal::GetCapturedStdout();
-    const auto integer = [](GLenum name) {
-        int value = 0;
-        glGetIntegerv(name, &value);
-        return std::to_string(value);
-    };
-    const auto driver = [](GLenum name) { return std::string(reinterpret_cast<const char*>(glGetString(name))); };
-    EXPECT_EQ(text, "\nOpenGL Version:  " + integer(GL_MAJOR_VERSION) + "." + integer(GL_MINOR_VERSION) +
-                        "\nOpenGL Vendor:   " + driver(GL_VENDOR) + "\nOpenGL Renderer: " + driver(GL_RENDERER) +
-                        "\nOpenGL Revision: " + std::to_string(glbinding::Meta::glRevision()) + " (gl.xml)\n\n");
+    const std::string version(reinterpret_cast<const char*>(glGetString(GL_VERSION)), 3);
+    EXPECT_TRUE(text.starts_with("\nOpenGL Version:  " + version + "\nOpenGL Vendor:   ")) << text;
+    EXPECT_EQ(std::ranges::count(text, '\n'), 6);
 }
 
 /// Not with an incomplete frame buffer bound, where that is an error, nor where nothing is left.
@@ -54,8 +39,9 @@ TEST(Context, FlushesWhatItLeaves) {
     const CGLContextObj target = CGLGetCurrentContext();
     for (const bool incomplete : {false, true}) {
         const AEOpenGLContext first(nullptr);
-        if (incomplete)
-            bindFrameBuffer();
+        unsigned frameBuffer = 0;
+        glGenFramebuffers(1, &frameBuffer);
+        glBindFramebuffer(GL_FRAMEBUFFER, incomplete ? frameBuffer : 0);
         const RecordedCalls flushes(glbinding::Binding::Flush);
         for (int call = 0; call < 2; ++call) {
             AEOpenGLContext::makeCurrentFlush(target);
@@ -93,15 +79,14 @@ TEST(ContextManager, GivesEachThreadOneContextThatSharesAndOutlivesIt) {
         AEOpenGLContextManager::getCurrentRenderContext()->makeContextCurrent();
         EXPECT_TRUE(glIsTexture(texture)) << "round " << round;
         std::array<AEOpenGLContext*, 8> contexts = {};
-        {
-            std::vector<std::jthread> threads;
-            for (AEOpenGLContext*& context : contexts)
-                threads.emplace_back([&context, texture] {
-                    context = AEOpenGLContextManager::getCurrentRenderContext();
-                    EXPECT_EQ(AEOpenGLContextManager::getCurrentRenderContext(), context);
-                    EXPECT_TRUE(glIsTexture(texture));
-                });
-        }
+        std::vector<std::jthread> threads;
+        for (AEOpenGLContext*& context : contexts)
+            threads.emplace_back([&context, texture] {
+                context = AEOpenGLContextManager::getCurrentRenderContext();
+                EXPECT_EQ(AEOpenGLContextManager::getCurrentRenderContext(), context);
+                EXPECT_TRUE(glIsTexture(texture));
+            });
+        threads.clear();
         EXPECT_EQ(std::set(contexts.begin(), contexts.end()).size(), contexts.size());
         // The ended threads have let go of them, and a thread that knows no binding yet takes over.
         std::jthread([&] {
@@ -109,7 +94,6 @@ TEST(ContextManager, GivesEachThreadOneContextThatSharesAndOutlivesIt) {
             EXPECT_TRUE(glIsTexture(texture));
         }).join();
         AEOpenGLContextManager::releaseContextManager();
-        EXPECT_EQ(AEOpenGLContextManager::getSharedDataContext(), nullptr);
     }
 }
 
@@ -124,45 +108,29 @@ TEST_P(SaveRestore, PutsTheHostsContextBackOnceAndOnlyWhenAsked) {
         saved.restore(); // without the binding: any call of OpenGL here would end the program
         EXPECT_TRUE(host.isUntouched());
     }
-    std::optional<SaveRestoreGLContextMac> saved(std::in_place);
+    SaveRestoreGLContextMac saved;
     AEOpenGLContext context(nullptr);
-    bindFrameBuffer();
-    saved->restore();
+    saved.restore();
     EXPECT_TRUE(host.isUntouched());
     context.makeContextCurrent();
-    saved->restore();
+    saved.restore();
     EXPECT_FALSE(host.isUntouched()) << "restored a second time";
     host.makeCurrent();
-    saved.emplace();
-    context.makeContextCurrent();
-    const CGLContextObj plugins = CGLGetCurrentContext();
-    saved.reset();
-    EXPECT_EQ(CGLGetCurrentContext(), plugins) << "restored by the destructor";
-}
-
-TEST(SaveRestoreWithoutAHost, KeepsAliveWhatWasCurrent) {
-    auto hosts = std::make_unique<AEOpenGLContext>(nullptr);
-    NSOpenGLContext* const current = NSOpenGLContext::currentContext();
-    SaveRestoreGLContextMac saved;
-    const AEOpenGLContext plugins(nullptr);
-    hosts.reset();
-    saved.restore();
-    EXPECT_EQ(NSOpenGLContext::currentContext(), current);
-}
-
-TEST(PerContext, KeepsAValueForEachContextUntilThatEnds) {
-    PerContext<std::shared_ptr<int>> values;
-    AEOpenGLContext first(nullptr);
-    const auto firstValue = values.current() = std::make_shared<int>(1);
-    const auto secondValue = std::make_shared<int>(2);
     {
-        const AEOpenGLContext second(nullptr);
-        EXPECT_EQ(values.current(), nullptr);
-        values.current() = secondValue;
+        const SaveRestoreGLContextMac destroyed;
+        context.makeContextCurrent();
     }
-    EXPECT_EQ(secondValue.use_count(), 1) << "the value outlived its context";
-    first.makeContextCurrent();
-    EXPECT_EQ(values.current(), firstValue);
+    EXPECT_FALSE(host.isUntouched()) << "restored by the destructor";
+}
+
+TEST(PerContext, EndsAValueWithItsContext) {
+    PerContext<std::shared_ptr<int>> values;
+    const auto value = std::make_shared<int>(1);
+    {
+        const AEOpenGLContext context(nullptr);
+        values.current() = value;
+    }
+    EXPECT_EQ(value.use_count(), 1);
 }
 
 } // namespace

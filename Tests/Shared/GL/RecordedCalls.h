@@ -15,7 +15,6 @@ public:
         mFunction.setBeforeCallback([this](Arguments... arguments) { mCalls.emplace_back(arguments...); });
     }
     RecordedCalls(const RecordedCalls&) = delete;
-    RecordedCalls& operator=(const RecordedCalls&) = delete;
     ~RecordedCalls() { mFunction.clearBeforeCallback(); }
 
     /// The arguments of each call.

@@ -21,27 +21,19 @@ protected:
     static constexpr Texel kOther = {0.4f, 0.8f, 0.6f, 0.4f};
     static constexpr double kHalfAStep = 0.5 / 255 + 1e-6;
 
-    /// Fills the bound target with one colour, and its row 0 with another.
-    static void paint(const Texel& colour, const Texel& row0) {
-        glClearBufferfv(GL_COLOR, 0, colour.data());
-        glEnable(GL_SCISSOR_TEST);
-        glScissor(0, 0, kWidth, 1);
-        glClearBufferfv(GL_COLOR, 0, row0.data());
-        glDisable(GL_SCISSOR_TEST);
-    }
+    /// Fills the bound target.
+    static void paint(const Texel& colour) { glClearBufferfv(GL_COLOR, 0, colour.data()); }
 
     /// The texture holds what paint() left, and goes.
-    static void expectPainted(unsigned texture, const Texel& colour, const Texel& row0, int level = 0) {
-        expectTexels(readTexture(texture, level), kHalfAStep,
-                     [&](std::size_t i) { return i < kWidth ? row0 : colour; });
+    static void expectPainted(unsigned texture, const Texel& colour, int level = 0) {
+        expectTexels(readTexture(texture, level), kHalfAStep, [&](std::size_t) { return colour; });
         glDeleteTextures(1, &texture);
     }
 
-    /// The bound target is of one colour but for its row 0.
     static void expectBound(const Texel& colour) {
-        std::vector<Texel> texels(kTexels - kWidth);
+        std::vector<Texel> texels(kTexels);
         glReadBuffer(GL_COLOR_ATTACHMENT0);
-        glReadPixels(0, 1, kWidth, kHeight - 1, GL_RGBA, GL_FLOAT, texels.data());
+        glReadPixels(0, 0, kWidth, kHeight, GL_RGBA, GL_FLOAT, texels.data());
         expectTexels(texels, kHalfAStep, [&](std::size_t) { return colour; });
     }
 
@@ -65,46 +57,37 @@ INSTANTIATE_TEST_SUITE_P(Samples, TargetsTest, testing::Bool(),
 TEST_P(TargetsTest, NestedLevelsKeepTheirPicturesAndLeaveNoRenderbuffer) {
     frameBuffer.prepare(kWidth, kHeight, GetParam());
     frameBuffer.beginDrawing();
-    const int working = integer(GL_FRAMEBUFFER_BINDING);
-    paint(kColour, kOther);
+    paint(kColour);
     frameBuffer.pushRenderContext(false, true);
     EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GL_FRAMEBUFFER_COMPLETE);
     EXPECT_EQ(living("Renderbuffer"), 4) << "two colours, a stencil, the output";
-    paint(kOther, kColour);
+    paint(kOther);
     const unsigned texture = frameBuffer.createRenderTexture(Vec2(2 * kWidth + 0.9, 2 * kHeight + 0.2), true);
     glBindTexture(GL_TEXTURE_2D, texture);
     glGenerateMipmap(GL_TEXTURE_2D);
     frameBuffer.pushNormalRenderContext(texture, Vec2(kWidth + 0.9, kHeight + 0.5), 1);
-    paint(kColour, kOther);
+    paint(kColour);
     frameBuffer.popNormalRenderContext();
-    expectPainted(texture, kColour, kOther, 1);
-    expectPainted(frameBuffer.popRenderContext(), kOther, kColour);
+    expectPainted(texture, kColour, 1);
+    expectPainted(frameBuffer.popRenderContext(), kOther);
     expectNoTextureAttached();
     EXPECT_EQ(living("Renderbuffer"), 2);
-    EXPECT_EQ(integer(GL_FRAMEBUFFER_BINDING), working);
-    expectPainted(frameBuffer.popRenderContext(), kColour, kOther);
-    EXPECT_EQ(frameBuffer.popRenderContext(), 0u);
-    for (const bool anew : {false, true}) {
-        frameBuffer.pushRenderContext(false, true);
-        anew ? frameBuffer.prepare(70000, 3, GetParam()) : frameBuffer.clearStack();
-        EXPECT_EQ(living("Renderbuffer"), 1) << "anew " << anew;
-    }
+    expectPainted(frameBuffer.popRenderContext(), kColour);
+    frameBuffer.pushRenderContext(false, true);
+    frameBuffer.destory();
+    EXPECT_EQ(living("Renderbuffer"), 0);
 }
 
 /// What the read-back relies on.
 TEST_P(TargetsTest, EndDrawingLeavesTheFinishedPictureBound) {
     frameBuffer.prepare(kWidth, kHeight, GetParam());
     const auto draw = [this] {
-        glEnable(GL_BLEND);
         frameBuffer.beginDrawing();
-        paint(kColour, kOther);
-        EXPECT_EQ(glIsEnabled(GL_MULTISAMPLE) == GL_TRUE, GetParam());
+        paint(kColour);
         frameBuffer.endDrawing(1.0f);
     };
-    glDisable(GL_MULTISAMPLE);
     draw();
     expectNoTextureAttached();
-    frameBuffer.endDrawing(1.0f);          // nothing on the stack: the picture stays
     expectBound({1.0f, 0.8f, 0.4f, 0.2f}); // alpha first
     glEnable(GL_CULL_FACE);                // so that the screen pass draws nothing
     glCullFace(GL_FRONT_AND_BACK);
@@ -123,17 +106,13 @@ TEST_P(TargetsTest, EachContextMakesItsOwnSetAndKeepsItWhileTheSizeStays) {
         const RecordedCalls made(glbinding::Binding::GenFramebuffers);
         frameBuffer.prepare(width, kHeight, GetParam());
         frameBuffer.beginDrawing();
-        EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), GL_FRAMEBUFFER_COMPLETE);
         frameBuffer.endDrawing(1.0f);
         return made.count();
     };
-    for (const int expected : {set, 0, 0}) {
-        EXPECT_EQ(madeIn(context, kWidth), expected);
-        EXPECT_EQ(madeIn(second, kWidth), expected);
-    }
-    for (int size = 1; size <= 20; ++size) { // sets of old sizes go when their context comes by
-        EXPECT_EQ(madeIn(context, kWidth + size), set);
-        EXPECT_EQ(madeIn(second, kWidth + size), set);
+    for (int frame = 0; frame < 60; ++frame) { // sets of old sizes go when their context comes by
+        const int expected = frame % 3 == 0 ? set : 0;
+        EXPECT_EQ(madeIn(context, kWidth + frame / 3), expected) << "frame " << frame;
+        EXPECT_EQ(madeIn(second, kWidth + frame / 3), expected) << "frame " << frame;
     }
     EXPECT_LE(living("Framebuffer"), 2 * set);
     context.makeContextCurrent();
