@@ -26,7 +26,7 @@ public:
 
     /// Whether everything that the host set on this thread is as it left it: the context, its display, both surfaces
     /// and the client API; in the context viewport, scissor test, frame buffer, array buffer, texture, alignment of
-    /// pixels on either way, no error, on the desktop also vertex array, program and row lengths.
+    /// pixels on either way, no error.
     bool isUntouched() const;
 
 private:
