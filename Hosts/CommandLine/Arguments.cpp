@@ -113,7 +113,7 @@ void addOptions(CLI::App& app, Arguments& arguments, Texts& texts, const std::ve
 }
 
 /// Gives the files their parts, and requires all that are needed.
-void assignFiles(Arguments& arguments, const std::vector<std::string>& files) {
+void assignFiles(Arguments& arguments, const std::vector<std::string>& files, bool framesAreGiven) {
     ShotRequest& shot = arguments.shot;
     if (arguments.about)
         return;
@@ -122,6 +122,8 @@ void assignFiles(Arguments& arguments, const std::vector<std::string>& files) {
     if (!arguments.sheet.empty() &&
         (files.size() > 1 || arguments.compare || shot.skipExisting || arguments.listMissing || !shot.into.empty()))
         throw CLI::ValidationError("--sheet", "goes with INPUT and the sliders alone");
+    if (!shot.into.empty() && framesAreGiven)
+        throw CLI::ValidationError("--frames", "goes with shots; --into takes all pictures, or a --part of them");
     if (!shot.format.empty() && shot.into.empty())
         throw CLI::ValidationError("--format", "goes with --into; the extension of OUTPUT tells its format");
     shot.input = files.front();
@@ -157,7 +159,7 @@ Arguments parseArguments(int count, const char* const* words, const Registration
     addOptions(app, arguments, texts, sliders);
     try {
         app.parse(count, words);
-        assignFiles(arguments, texts.files);
+        assignFiles(arguments, texts.files, texts.frames.has_value());
     } catch (const CLI::CallForHelp&) {
         arguments.answer = app.help();
         return arguments;

@@ -49,11 +49,10 @@ std::string knownDevices() {
 int requireDriver() {
     const int longestSide = longestRenderableSide();
     const char* const chosen = std::getenv("OMBRIQUE_DEVICE");
-    if (longestSide == 0 && chosen && *chosen)
-        throw Failure("OMBRIQUE_DEVICE " + std::string(chosen) +
-                      ": no such device gives a context of OpenGL 3.3 or more (known: " + knownDevices() + ")");
     if (longestSide == 0)
-        throw Failure("OpenGL: no driver on this machine gives a context of version 3.3 or more");
+        throw Failure(chosen && *chosen ? "OMBRIQUE_DEVICE " + std::string(chosen) +
+                                              ": gives no context of OpenGL 3.3 or more (known: " + knownDevices() + ")"
+                                        : "OpenGL: no driver on this machine gives a context of version 3.3 or more");
     return longestSide;
 }
 

@@ -70,8 +70,6 @@ float colourWeight(AlphaConvention convention, float alpha) {
     return convention == AlphaConvention::Straight ? 1.0f : alpha;
 }
 
-bool declaresAlphaConvention(const std::string& format) { return format == "tiff"; }
-
 bool isForDisplays(const std::string& format) {
     static constexpr std::array<std::string_view, 11> kDisplayed = {"png",   "jpeg", "jpeg2000", "gif", "webp", "bmp",
                                                                     "targa", "heif", "ico",      "pnm", "iff"};

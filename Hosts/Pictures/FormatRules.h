@@ -26,9 +26,6 @@ AlphaConvention alphaConvention(const std::string& format, bool declaredStraight
 /// What a straight colour is multiplied by to follow the convention; alpha from 0 to 1.
 float colourWeight(AlphaConvention convention, float alpha);
 
-/// Whether a file in this format can say by itself which of the first two conventions it follows.
-bool declaresAlphaConvention(const std::string& format);
-
 /// Whether the numbers in files of `format` are meant for displays, and not for light.
 bool isForDisplays(const std::string& format);
 

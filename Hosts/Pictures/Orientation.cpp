@@ -30,7 +30,6 @@ Turn turnUpright(OIIO::ImageSpec& spec) {
         std::swap(spec.width, spec.height);
         std::swap(spec.full_x, spec.full_y);
         std::swap(spec.full_width, spec.full_height);
-        std::swap(spec.tile_width, spec.tile_height);
         if (const float aspect = spec.get_float_attribute("PixelAspectRatio"); aspect > 0.0f)
             spec.attribute("PixelAspectRatio", 1.0f / aspect);
     }

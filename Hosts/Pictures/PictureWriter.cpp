@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <set>
 #include <string_view>
 
 namespace Ombrique::Hosts {
@@ -151,29 +150,13 @@ private:
     bool mIsConverted;
 };
 
-/// Whether `holds` is true of any pixel.
-template <typename Holds> bool anyPixel(const World& pixels, const Holds& holds) {
+bool isTranslucent(const World& pixels) {
     for (int y = 0; y < pixels.height(); ++y) {
         const auto* row = reinterpret_cast<const PF_Pixel8*>(pixels.row(y));
-        if (std::any_of(row, row + pixels.width(), holds))
+        if (std::any_of(row, row + pixels.width(), [](const PF_Pixel8& pixel) { return pixel.alpha != 255; }))
             return true;
     }
     return false;
-}
-
-/// What a format's channels and palette can't hold of the picture.
-std::vector<std::string> lossesOf(const World& pixels, bool withAlpha, const std::string& format) {
-    std::vector<std::string> losses;
-    if (!withAlpha && anyPixel(pixels, [](const PF_Pixel8& pixel) { return pixel.alpha != 255; }))
-        losses.emplace_back("no alpha is written in this format: the picture is laid over black");
-    std::set<std::uint32_t> colours;
-    const auto isOneTooMany = [&colours](const PF_Pixel8& pixel) {
-        colours.insert(std::uint32_t{pixel.red} << 16 | std::uint32_t{pixel.green} << 8 | pixel.blue);
-        return colours.size() > 255;
-    };
-    if (format == "gif" && anyPixel(pixels, isOneTooMany))
-        losses.emplace_back("the format has 255 colours, which stand for all others");
-    return losses;
 }
 
 /// Whether a file holds all of the picture that its header promises.
@@ -253,8 +236,7 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
                       (origin.colourCount == 1 ? "of greys" : "in colour"));
     const bool withAlpha = channels % 2 == 0;
 
-    const bool isDeclaredStraight =
-        declaresAlphaConvention(format) && origin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0;
+    const bool isDeclaredStraight = format == "tiff" && origin.spec.get_int_attribute("oiio:UnassociatedAlpha") != 0;
     const AlphaConvention convention =
         withAlpha ? alphaConvention(format, isDeclaredStraight) : AlphaConvention::Associated;
     const Window data{origin.spec.x, origin.spec.y, origin.spec.width, origin.spec.height};
@@ -281,7 +263,11 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
         packer.pack(pixels, data, {window.x, top, window.width, rows}, samples);
     });
     mFile.commit();
-    std::vector<std::string> losses = lossesOf(pixels, withAlpha, format);
+    std::vector<std::string> losses;
+    if (!withAlpha && isTranslucent(pixels))
+        losses.emplace_back("no alpha is written in this format: the picture is laid over black");
+    if (format == "gif")
+        losses.emplace_back("the format has 255 colours at most");
     if (isForDisplays(format) && OIIO::Strutil::iequals(origin.spec.get_string_attribute("oiio:ColorSpace"), "linear"))
         losses.emplace_back(
             "its linear values are kept as they are, and look dark in a format for displays; --autocc converts them");

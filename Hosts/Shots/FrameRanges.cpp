@@ -64,25 +64,15 @@ std::string describeFrames(const std::vector<int>& frames) {
 }
 
 std::string describeGaps(const std::vector<int>& frames) {
-    constexpr std::size_t kMostGaps = 10;
-    std::vector<std::string> gaps;
-    bool isOne = true;
-    for (std::size_t i = 1; i < frames.size(); ++i) {
-        const int first = frames[i - 1] + 1;
-        const int last = frames[i] - 1;
-        if (last < first)
-            continue;
-        isOne = gaps.empty() && first == last;
-        gaps.push_back(gaps.size() == kMostGaps
-                           ? "others"
-                           : std::to_string(first) + (first < last ? "-" + std::to_string(last) : ""));
-        if (gaps.size() > kMostGaps)
-            break;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < gaps.size(); ++i)
-        text += (i == 0 ? "" : i + 1 == gaps.size() ? " and " : ", ") + gaps[i];
-    return text.empty() ? text : (isOne ? "frame " + text + " is missing" : "frames " + text + " are missing");
+    constexpr std::size_t kMostTold = 100;
+    std::vector<int> missing;
+    for (std::size_t i = 1; i < frames.size(); ++i)
+        for (int frame = frames[i - 1] + 1; frame < frames[i] && missing.size() <= kMostTold; ++frame)
+            missing.push_back(frame);
+    const bool areMore = missing.size() > kMostTold;
+    if (areMore)
+        missing.pop_back();
+    return missing.empty() ? "" : "missing: " + describeFrames(missing) + (areMore ? " and more" : "");
 }
 
 FramePart parseFramePart(const std::string& text) {

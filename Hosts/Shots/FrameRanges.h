@@ -13,8 +13,8 @@ std::vector<int> parseFrameRanges(const std::string& text);
 /// The shortest such text for ascending frames without repeats, for people: "1-10,20".
 std::string describeFrames(const std::vector<int>& frames);
 
-/// "frames 4 and 7-8 are missing", for the holes between ascending frames; of many holes, the first ten. Empty where
-/// there are none.
+/// "missing: 4,7-8" for the holes between ascending frames; of many, the first hundred frames. Empty where there are
+/// none.
 std::string describeGaps(const std::vector<int>& frames);
 
 /// One of the equal parts of a shot that several machines share, counted from 1.

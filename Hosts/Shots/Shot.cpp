@@ -104,16 +104,11 @@ std::vector<ShotFrame> pictureFrames(const ShotRequest& request, Shot& shot) {
         all.push_back({static_cast<int>(all.size()) + 1, picture, output});
     }
     shot.isSequence = true;
-    std::vector<int> numbers(all.size());
-    std::iota(numbers.begin(), numbers.end(), 1);
-    if (request.frames)
-        numbers = *request.frames;
+    std::vector<int> places(all.size());
+    std::iota(places.begin(), places.end(), 0);
     std::vector<ShotFrame> frames;
-    for (const int number : framesOfPart(numbers, request.part)) {
-        if (number < 1 || number > std::ssize(all))
-            throw UsageError("--frames: there are " + std::to_string(all.size()) + " pictures, from 1 on");
-        frames.push_back(all[static_cast<std::size_t>(number) - 1]);
-    }
+    for (const int place : framesOfPart(places, request.part))
+        frames.push_back(all[static_cast<std::size_t>(place)]);
     return frames;
 }
 

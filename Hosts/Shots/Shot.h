@@ -43,7 +43,7 @@ struct Shot {
     bool isSequence = false;
     /// How many frames of the part are left out, since their output is there.
     int skipped = 0;
-    /// "frames 4 and 7-8 are missing" where the numbers of the files that are there have holes; empty otherwise.
+    /// "missing: 4,7-8" where the numbers of the files that are there have holes; empty otherwise.
     std::string gaps;
 };
 

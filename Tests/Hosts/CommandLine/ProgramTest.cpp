@@ -153,7 +153,7 @@ TEST_F(Program, DrawsOnTheDeviceThatIsChosen) {
     }
     run({"/a.1.png", "/b.1.png"}, "OMBRIQUE_DEVICE=elephant");
     EXPECT_EQ(status, 1);
-    EXPECT_TRUE(tells("OMBRIQUE_DEVICE elephant: no such device") && tells("known: 0 ") && lines() == 1) << messages;
+    EXPECT_TRUE(tells("OMBRIQUE_DEVICE elephant: gives no context") && tells("known: 0 ") && lines() == 1) << messages;
 }
 
 TEST_F(Program, TellsTheFirstFailuresAndCountsTheOthers) {

@@ -75,13 +75,10 @@ TEST_F(Shots, TellTheirGaps) {
     EXPECT_EQ(planShot(request()).gaps, "");
     for (const int frame : {16, 20, 21, 24})
         writePictureFile(input(frame), pictureOf(frame), {});
-    EXPECT_EQ(planShot(request()).gaps, "frames 14-15, 17-19 and 22-23 are missing");
+    EXPECT_EQ(planShot(request()).gaps, "missing: 14-15,17-19,22-23");
     EXPECT_EQ(planShot(request("8-24")).gaps, "");
-    EXPECT_EQ(describeGaps({1, 3}), "frame 2 is missing");
-    std::vector<int> odd;
-    for (int frame = 1; frame < 2000; frame += 2)
-        odd.push_back(frame);
-    EXPECT_EQ(describeGaps(odd), "frames 2, 4, 6, 8, 10, 12, 14, 16, 18, 20 and others are missing");
+    EXPECT_EQ(describeGaps({1, 3}), "missing: 2");
+    EXPECT_EQ(describeGaps({1, 2'000'000'000}), "missing: 2-101 and more");
 }
 
 TEST_F(Shots, AreManyPicturesOfTheirOwnNames) {
@@ -94,9 +91,6 @@ TEST_F(Shots, AreManyPicturesOfTheirOwnNames) {
     ASSERT_EQ(shot.frames.size(), 2u);
     EXPECT_EQ(shot.frames[1].number, 2);
     EXPECT_EQ(shot.frames[1].output.filename(), "in.0009.tif");
-    many.frames = {{3}};
-    EXPECT_THROW(planShot(many), UsageError);
-    many.frames.reset();
     many.pictures.push_back("elsewhere/in.0008.png");
     EXPECT_THROW(planShot(many), UsageError);
     many.into = folder / "none";
