@@ -18,7 +18,7 @@ struct Slider {
     double maximum;
     double defaultValue;
     /// Digits shown after the point.
-    int precision;
+    int precision = 0;
 
     /// The name as a word for a command line, as "contrast": in lower case, blanks as hyphens, without "Value" at its
     /// end.
