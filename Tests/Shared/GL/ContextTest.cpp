@@ -67,10 +67,8 @@ TEST(Context, KnowsTheLongestSide) {
     }
 }
 
-/// Before the first set-up there is nothing to share with; after a release a thread gets a new context.
+/// After a release a thread gets a new context.
 TEST(ContextManager, GivesEachThreadOneContextThatSharesAndOutlivesIt) {
-    AEOpenGLContextManager::getCurrentRenderContext();
-    AEOpenGLContextManager::releaseContextManager();
     for (int round = 0; round < 2; ++round) {
         AEOpenGLContextManager::setupContextManager();
         unsigned texture = 0;

@@ -52,8 +52,8 @@ protected:
                     << "channel " << channel << " of texel " << i;
     }
 
-    /// How the texture was made; it goes.
-    static void expectTexture(unsigned texture, gl::GLenum minification, gl::GLenum magnification) {
+    /// How the texture was made, of GL_FLOAT or of GL_UNSIGNED_NORMALIZED; it goes.
+    static void expectTexture(unsigned texture, gl::GLenum type, gl::GLenum minification, gl::GLenum magnification) {
         gl::glBindTexture(gl::GL_TEXTURE_2D, texture);
         for (const auto& [name, expected] : {std::pair{gl::GL_TEXTURE_MIN_FILTER, minification},
                                              {gl::GL_TEXTURE_MAG_FILTER, magnification},
@@ -63,6 +63,9 @@ protected:
             gl::glGetTexParameteriv(gl::GL_TEXTURE_2D, name, &value);
             EXPECT_EQ(static_cast<gl::GLenum>(value), expected) << static_cast<unsigned>(name);
         }
+        int actualType = 0;
+        gl::glGetTexLevelParameteriv(gl::GL_TEXTURE_2D, 0, gl::GL_TEXTURE_RED_TYPE, &actualType);
+        EXPECT_EQ(static_cast<gl::GLenum>(actualType), type);
         gl::glDeleteTextures(1, &texture);
     }
 

@@ -147,19 +147,20 @@ TEST_F(TargetTextures, AreMadeAsAskedFor) {
     const struct {
         const char* name;
         unsigned texture;
+        GLenum type;
         GLenum minification;
         GLenum magnification;
     } rows[] = {
-        {"plain", f.createRenderTexture(false), GL_LINEAR, GL_LINEAR},
-        {"mipmap", f.createRenderTexture(true), GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR},
-        {"float", f.createFloatRenderTexture(false, false), GL_NEAREST, GL_NEAREST},
-        {"linear", f.createFloatRenderTexture(true, false), GL_LINEAR, GL_LINEAR},
-        {"both", f.createFloatRenderTexture(true, true), GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR},
-        {"mipmap float", f.createFloatRenderTexture(false, true), GL_LINEAR_MIPMAP_NEAREST, GL_LINEAR},
+        {"plain", f.createRenderTexture(false), GL_UNSIGNED_NORMALIZED, GL_LINEAR, GL_LINEAR},
+        {"mipmap", f.createRenderTexture(true), GL_UNSIGNED_NORMALIZED, GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR},
+        {"float", f.createFloatRenderTexture(false, false), GL_FLOAT, GL_NEAREST, GL_NEAREST},
+        {"linear", f.createFloatRenderTexture(true, false), GL_FLOAT, GL_LINEAR, GL_LINEAR},
+        {"both", f.createFloatRenderTexture(true, true), GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR},
+        {"mipmap float", f.createFloatRenderTexture(false, true), GL_FLOAT, GL_LINEAR_MIPMAP_NEAREST, GL_LINEAR},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        expectTexture(row.texture, row.minification, row.magnification);
+        expectTexture(row.texture, row.type, row.minification, row.magnification);
     }
 }
 

@@ -53,14 +53,14 @@ protected:
         HostCall call({.input = &input, .output = &output, .faults = &plan});
         PF_Err error = PF_Err_NONE;
         try {
-            expectTexture(upload(call, true), GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR);
+            expectTexture(upload(call, true), GL_FLOAT, GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR);
             const unsigned texture = upload(call, false);
             const std::vector<Texel> expected = texels(input, kDepth<Pixel>.white * kDepth<Pixel>.multiplier);
             expectTexels(readTexture(texture), 1e-6, [&](std::size_t i) { return expected[i]; });
             frameBuffer.prepare(kWidth, kHeight, true);
             frameBuffer.beginDrawing();
             pass.draw(texture, multiplier);
-            expectTexture(texture, GL_LINEAR, GL_LINEAR);
+            expectTexture(texture, GL_FLOAT, GL_LINEAR, GL_LINEAR);
             frameBuffer.endDrawing(multiplier);
             AEOpenGLUtilities::DownloadTexture(kWidth, kHeight, input.layer(), output.layer(), call.inData(),
                                                kDepth<Pixel>.format, pixelSize, glType);
