@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <cstring>
 #include <map>
 #include <string_view>
 
@@ -32,28 +30,6 @@ const std::map<std::string, std::string_view> kChannels = {
     {"gif", "3"},        {"hdr", "3"}, {"heif", "34"},   {"iff", "4"},  {"jpeg", "13"}, {"pnm", "13"},  {"sgi", "134"},
     {"jpeg2000", "134"}, {"term", ""}, {"targa", "134"}, {"webp", "3"}, {"zfile", "1"},
 };
-
-/// Whether many pixels are like the one on their left, as in titles and drawings; every sixteenth row is looked at.
-bool hasRuns(const World& pixels) {
-    std::int64_t seen = 0;
-    std::int64_t alike = 0;
-    for (int y = 0; y < pixels.height(); y += 16) {
-        const auto* row = reinterpret_cast<const PF_Pixel8*>(pixels.row(y));
-        for (int x = 1; x < pixels.width(); ++x)
-            alike += std::memcmp(row + x, row + x - 1, sizeof *row) == 0;
-        seen += pixels.width() - 1;
-    }
-    return alike * 8 > seen;
-}
-
-/// A Huffman code on differences to the pixel on the left, with runs where there are any: the usual search for repeats
-/// takes several times as long on photographs, and finds next to nothing.
-void setQuickPng(OIIO::ImageSpec& spec, const World& pixels) {
-    constexpr int kSubFilter = 16;
-    spec.attribute("compression", hasRuns(pixels) ? "rle" : "huffman");
-    spec.attribute("png:compressionLevel", 1);
-    spec.attribute("png:filter", kSubFilter);
-}
 
 } // namespace
 
@@ -111,7 +87,7 @@ void requireCompression(const std::string& wanted, const std::string& format) {
                   ", and a level behind a colon");
 }
 
-void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format, const World& pixels) {
+void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format) {
     if (!wanted.empty()) {
         const auto parts = split(wanted, ':');
         spec.erase_attribute("CompressionQuality");
@@ -121,8 +97,6 @@ void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std:
             spec.attribute("png:compressionLevel", std::min(*parseCount(parts[1]), 9));
         else if (wanted.starts_with("lossy:"))
             spec.attribute("compression", "webp:" + std::string(parts[1]));
-    } else if (format == "png") {
-        setQuickPng(spec, pixels);
     } else if (format == "jpeg") {
         spec.attribute("compression", "jpeg:90"); // its decoder doesn't tell the quality of the input
     }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Hosts/Engine/World.h"
-
 #include <OpenImageIO/color.h>
 #include <OpenImageIO/imageio.h>
 
@@ -42,8 +40,8 @@ int channelsToWrite(const std::string& format, const std::string& extension, int
 /// `format`. Empty is always fine.
 void requireCompression(const std::string& wanted, const std::string& format);
 
-/// Describes to the encoder of `format` how to compress: as `wanted`, or where that is empty, as `spec` has it already;
-/// PNG, whose files don't tell how they were compressed, then gets what is quickest for `pixels`, and JPEG quality 90.
-void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format, const World& pixels);
+/// Describes to the encoder of `format` how to compress: as `wanted`, or where that is empty, as `spec` has it already,
+/// and JPEG with quality 90.
+void setCompression(OIIO::ImageSpec& spec, const std::string& wanted, const std::string& format);
 
 } // namespace Ombrique::Hosts

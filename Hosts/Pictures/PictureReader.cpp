@@ -2,6 +2,7 @@
 
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/FormatRules.h"
+#include "Hosts/Pictures/PngReader.h"
 #include "Hosts/Pictures/QuietStandardError.h"
 
 #include <algorithm>
@@ -243,12 +244,18 @@ template <typename Sample> void PictureReader::readAs(World& into, int firstChan
                            mOrigin.colours[last] - firstChannel, mOrigin.alpha < 0 ? -1 : mOrigin.alpha - firstChannel};
     const AlphaConvention convention = conventionOf(mOrigin);
     const int channels = endChannel - firstChannel;
+    Clipping clipping;
+    const auto take = [&](int y, const std::uint8_t* row) {
+        fillRows(into, y, 1, row, channels, at, convention, nullptr, clipping);
+    };
+    if (std::is_same_v<Sample, std::uint8_t> && channels == mOrigin.spec.nchannels && mOrigin.format == "png" &&
+        readPlainPng(mPath, mFile->spec(), take))
+        return;
     const int height = into.height();
     const int rowsAtATime = mOrigin.spec.tile_width > 0 ? height : std::min(height, kRowsAtATime);
     const auto samples = std::make_unique_for_overwrite<Sample[]>(static_cast<std::size_t>(into.width()) *
                                                                   static_cast<std::size_t>(rowsAtATime) *
                                                                   static_cast<std::size_t>(channels));
-    Clipping clipping;
     bool isRead = true;
     for (int top = 0; isRead && top < height; top += rowsAtATime) {
         const int rows = std::min(rowsAtATime, height - top);

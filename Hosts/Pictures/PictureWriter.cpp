@@ -2,6 +2,7 @@
 
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/FormatRules.h"
+#include "Hosts/Pictures/PngWriter.h"
 #include "Hosts/Pictures/QuietStandardError.h"
 
 #include <algorithm>
@@ -193,6 +194,12 @@ PictureWriter::~PictureWriter() {
 }
 
 void PictureWriter::encode(const OIIO::ImageSpec& spec, const PackRows& packRows) {
+    if (mCompression.empty() && mEncoder->format_name() == std::string_view("png")) {
+        writePng(mPath, spec, packRows, mProxy);
+        if (mProxy.errorNumber() != 0)
+            mFile.fail(mProxy.errorNumber());
+        return;
+    }
     // Most encoders take a file of ours, which misses no failure. Those that write by name may not notice a full disk,
     // so their file is read again. The TIFF encoder is one of them, as it damages files of ours that hold Exif data;
     // and it leaves an error text where there is none.
@@ -247,7 +254,7 @@ std::vector<std::string> PictureWriter::write(const World& pixels, const Picture
         spec.attribute("oiio:UnassociatedAlpha", 1);
     spec.attribute("ico:PNG", 1); // as it comes, the encoder of icons writes beyond its memory
 
-    setCompression(spec, mCompression, format, pixels);
+    setCompression(spec, mCompression, format);
     const bool isLinear = format == "openexr" || format == "hdr";
     const auto conversion =
         convertsColours && isLinear
