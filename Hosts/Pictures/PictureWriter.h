@@ -17,7 +17,7 @@ public:
     /// Finds the format by the extension, and makes sure that the file can be written, before anything is rendered.
     /// `compression` is one of the format's methods as OpenImageIO names them, with a level behind a colon where it has
     /// one ("zip", "jpeg:90", "default:9"); where it is empty, the picture's own method is kept where the format stays
-    /// the same, and PNG gets the one that is quickest for its size.
+    /// the same, and PNG gets one of its own, for speed.
     explicit PictureWriter(const std::filesystem::path& path, const std::string& compression = {},
                            const OutputRules& rules = {});
     PictureWriter(const PictureWriter&) = delete;

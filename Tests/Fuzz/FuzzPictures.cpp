@@ -1,5 +1,6 @@
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/PictureReader.h"
+#include "Hosts/Pictures/PngChunks.h"
 #include "Tests/Fuzz/Require.h"
 
 #include <filesystem>
@@ -7,17 +8,31 @@
 #include <span>
 #include <unistd.h>
 
-// Reads any bytes as a picture. The first byte of an input is a place in kFormats, the others are the file. Either a
-// whole picture comes out or a Failure that names the file.
+// Reads any bytes as a picture. The first byte of an input is a place in kFormats, the others are the file; a PNG file
+// of the second place for PNG first gets the checksums that fit its chunks. Either a whole picture comes out or a
+// Failure that names the file.
 namespace Ombrique::Tests {
 
 namespace {
 
 /// Places in this list stand in the corpus: new ones go to the end.
 constexpr const char* kFormats[] = {"png", "jpg", "exr", "tif",  "tga", "bmp", "ppm", "dpx", "fits",
-                                    "hdr", "sgi", "gif", "webp", "pfm", "jp2", "psd", "ico"};
+                                    "hdr", "sgi", "gif", "webp", "pfm", "jp2", "psd", "ico", "png"};
+constexpr std::size_t kSealedPng = 17;
 /// Beyond it a picture is refused by its size alone, so that none takes long.
 constexpr int kLongestSide = 128;
+
+/// Chance alone would hardly get beyond a checksum.
+void sealChunks(std::span<unsigned char> file) {
+    using namespace Hosts;
+    constexpr std::size_t kAround = kPngChunkHead + kPngChunkTail;
+    std::size_t at = kPngSignature.size();
+    while (at + kAround <= file.size() && pngNumber(&file[at]) <= file.size() - at - kAround) {
+        const auto chunk = file.subspan(at, pngNumber(&file[at]) + kAround);
+        sealPngChunk(chunk, std::string(reinterpret_cast<const char*>(&chunk[4]), 4));
+        at += chunk.size();
+    }
+}
 
 void read(const std::filesystem::path& file) {
     try {
@@ -56,9 +71,12 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     using namespace Ombrique::Tests;
     if (size == 0)
         return 0;
-    const auto file = folder() / ("picture." + std::string(kFormats[data[0] % std::size(kFormats)]));
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(data + 1), static_cast<std::streamsize>(size - 1));
+    const std::size_t format = data[0] % std::size(kFormats);
+    const auto file = folder() / ("picture." + std::string(kFormats[format]));
+    std::string bytes(reinterpret_cast<const char*>(data + 1), size - 1);
+    if (format == kSealedPng)
+        sealChunks({reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()});
+    std::ofstream(file, std::ios::binary) << bytes;
     read(file);
     return 0;
 }
