@@ -1,6 +1,5 @@
 #include "Tests/Support/EffectTest.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <tuple>
 
@@ -20,35 +19,6 @@ protected:
         return result.error;
     }
 };
-
-TEST_F(Commands, AboutGivesTheText) { EXPECT_EQ(effect.about().message, "Ombrique Contrast v1.0\rOmbrique Contrast"); }
-
-TEST_F(Commands, SetupDeclaresTheSliders) {
-    const struct {
-        const char* name;
-        float value;
-        float least;
-        float most;
-        std::int16_t precision;
-    } sliders[] = {{"Contrast Value", 1.0f, 0.0f, 10.0f, 2}, {"Brightness Value", 0.0f, -100.0f, 100.0f, 1}};
-    const auto& parameters = effect.parameters();
-    ASSERT_EQ(parameters.size(), std::size(sliders));
-    EXPECT_EQ(effect.declaration().num_params, 3); // the input layer counts, and is not declared
-    for (std::size_t i = 0; i < std::size(sliders); ++i) {
-        const auto& [name, value, least, most, precision] = sliders[i];
-        PF_ParamDef expected{}; // all that isn't named is zero
-        expected.uu.id = static_cast<std::int32_t>(i) + 1;
-        expected.param_type = 10;
-        std::strcpy(expected.name, name);
-        PF_FloatSliderDef& values = expected.u.fs_d;
-        values.value = values.dephault = value;
-        values.valid_min = values.slider_min = least;
-        values.valid_max = values.slider_max = most;
-        values.precision = precision;
-        values.curve_tolerance = 0.05f;
-        EXPECT_EQ(std::memcmp(&parameters[i], &expected, sizeof expected), 0) << name;
-    }
-}
 
 TEST_F(Commands, OthersTouchNothing) {
     for (const PF_Cmd command : std::initializer_list<PF_Cmd>{2, 5, PF_Cmd_RENDER, 22, 25, -1, 1 << 30}) {
@@ -117,39 +87,41 @@ TEST_F(Commands, PreRenderAsksForTheInputAndWidensTheAnswerByIt) {
     }
 }
 
-/// The host's suites, and which context was current at each release.
+/// The host's suites, each that is acquired or released, and whose context was current meanwhile.
 struct Desk {
     const SPBasicSuite* suites;
     const HostContext* host;
-    std::string contexts;
+    std::string log;
+
+    void note(const char* name) { log += std::string(name) + (host->isUntouched() ? ", host\n" : ", effect\n"); }
 } desk;
 
+SPErr acquire(const char* name, std::int32_t version, const void** suite) {
+    desk.note(name);
+    return desk.suites->AcquireSuite(name, version, suite);
+}
+
 SPErr release(const char* name, std::int32_t version) {
-    desk.contexts += desk.host->isUntouched() ? "host " : "effect ";
+    desk.note(name);
     return desk.suites->ReleaseSuite(name, version);
 }
 
 TEST_F(Commands, AFrameHoldsItsSuitesUntilTheHostsContextIsBack) {
     World world = makePicture(7, 5, 1);
-    FaultPlan log;
-    HostCall call({.input = &world, .output = &world, .faults = &log}, effect.environment());
+    HostCall call({.input = &world, .output = &world}, effect.environment());
     PF_PreRenderInput input{{{0, 0, 7, 5}, 0, 0, 0}};
     PF_PreRenderOutput output{};
     PF_PreRenderExtra preRender{&input, &output, HostCall::preRenderCallbacks()};
     host.makeCurrent();
     ASSERT_EQ(call.send(bundle.entryPoint(), PF_Cmd_SMART_PRE_RENDER, &preRender).error, 0);
     desk = {call.inData()->pica_basicP, &host, ""};
-    SPBasicSuite suites{desk.suites->AcquireSuite, release};
+    SPBasicSuite suites{acquire, release};
     call.inData()->pica_basicP = &suites;
     PF_SmartRenderExtra extra{HostCall::smartRenderCallbacks()};
     EXPECT_EQ(bundle.entryPoint()(PF_Cmd_SMART_RENDER, call.inData(), call.outData(), nullptr, nullptr, &extra), 0);
-    EXPECT_EQ(desk.contexts, "effect host host host ") << "those of the frame are released last";
-    std::string order;
-    for (const std::string& name : log.calls())
-        if (const std::size_t suite = name.find("Suite "); suite != std::string::npos)
-            order += name.front() + name.substr(suite + 5) + "\n";
-    EXPECT_EQ(order, "A AEGP PF Interface Suite\nA AEGP Layer Suite\nA AEGP Item Suite\nA PF Handle Suite\n"
-                     "R PF Handle Suite\nR AEGP Item Suite\nR AEGP Layer Suite\nR AEGP PF Interface Suite\n");
+    EXPECT_EQ(desk.log, "AEGP PF Interface Suite, effect\nAEGP Layer Suite, effect\nAEGP Item Suite, effect\n"
+                        "PF Handle Suite, effect\nPF Handle Suite, effect\nAEGP Item Suite, host\n"
+                        "AEGP Layer Suite, host\nAEGP PF Interface Suite, host\n");
 }
 
 TEST_F(Commands, OutOfOrder) {
@@ -182,24 +154,6 @@ TEST_F(Commands, FromWithinAFrameAreRefused) {
     check([&] { EXPECT_TRUE(effect.render({.input = &input, .output = &output, .values = {{1, contrast}}}).clean()); });
     EXPECT_EQ(compareWithOracle(input, output, {.contrast = 1.6}), "");
     EXPECT_EQ(refused, 3);
-}
-
-/// Where the driver gives no context, set-up is refused, and so is each frame that is sent all the same.
-TEST(CommandsDeathTest, WithoutADriver) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe"; // a process of its own, which hasn't loaded a driver yet
-    const auto errors = [](const char* variable, const char* value) {
-        unsetenv("MESA_GL_VERSION_OVERRIDE");
-        setenv(variable, value, 1);
-        const PluginBundle bundle(OMBRIQUE_TEST_BUNDLE);
-        Effect effect(bundle);
-        World world = makePicture(5, 3, 2);
-        const PF_Err error = effect.setUp().error;
-        return error == 516 && effect.render({.input = &world, .output = &world}).error == 516 ? 0 : 1;
-    };
-    for (const auto& [variable, value] : {std::pair{"__EGL_VENDOR_LIBRARY_FILENAMES", "/nowhere.json"},
-                                          {"MESA_GL_VERSION_OVERRIDE", "3.1"},
-                                          {"MESA_GLSL_VERSION_OVERRIDE", "150"}})
-        EXPECT_EXIT(std::exit(errors(variable, value)), testing::ExitedWithCode(0), "") << variable;
 }
 
 } // namespace

@@ -32,7 +32,6 @@ struct Case {
 
 const Case kCases[] = {
     {.name = "one pixel", .size = {1, 1}},
-    {.name = "flat", .size = {129, 3}, .correction = {0.35, -20.5}},
     {.name = "many odd pixels", .size = {333, 217}},
     {.name = "defaults", .size = {64, 33}, .correction = {}},
     {.name = "the most contrast", .size = {31, 17}, .correction = {10.0, 30.0}},
@@ -43,7 +42,6 @@ const Case kCases[] = {
     {.name = "output upwards", .size = {11, 6}, .output = {.paddingBytes = 0, .bottomUp = true}},
     {.name = "one world for both", .size = {13, 9}, .inPlace = true},
 
-    {.name = "wider output", .outputSize = Size{15, 5}},
     {.name = "larger output", .outputSize = Size{17, 9}},
     {.name = "smaller output", .outputSize = Size{4, 3}},
     {.name = "narrower and higher output", .outputSize = Size{4, 12}},
@@ -61,7 +59,6 @@ const Case kCases[] = {
     {.name = "contrast not a number", .size = {33, 21}, .correction = {kNaN, 0.0}},
     {.name = "infinite contrast", .size = {33, 21}, .correction = {kInfinity, 0.0}},
     {.name = "infinite darkness", .size = {33, 21}, .correction = {kInfinity, -kInfinity}},
-    {.name = "beyond float", .size = {33, 21}, .correction = {1e200, 3.0}},
     {.name = "inverted", .size = {33, 21}, .correction = {-2.5, 0.0}},
 };
 

@@ -68,17 +68,19 @@ template <typename Expected> std::string compare(const World& output, Expected e
         for (int x = 0; x < output.width(); ++x) {
             const std::array<int, 4> actual = channels(output.pixel<PF_Pixel8>(x, y));
             const std::array<Range, 4> expected = expectedAt(x, y);
-            int difference = 0;
-            for (std::size_t i = 0; i < 4; ++i)
-                difference = std::max({difference, expected[i].least - actual[i], actual[i] - expected[i].most});
-            count += difference > 0 ? 1 : 0;
-            if (difference <= worst)
-                continue;
-            worst = difference;
-            text.str("");
-            text << "worst at (" << x << ", " << y << "): alpha, red, green, blue";
-            for (std::size_t i = 0; i < 4; ++i)
-                text << " " << actual[i] << " instead of " << expected[i].least << " to " << expected[i].most;
+            bool differs = false;
+            for (std::size_t i = 0; i < 4; ++i) {
+                const auto [least, most] = expected[i];
+                const int difference = std::max(least - actual[i], actual[i] - most);
+                differs |= difference > 0;
+                if (difference <= worst)
+                    continue;
+                worst = difference;
+                text.str("");
+                text << "worst at (" << x << ", " << y << "), channel " << i
+                     << " of alpha, red, green, blue: " << actual[i] << " instead of " << least << " to " << most;
+            }
+            count += differs ? 1 : 0;
         }
     }
     return count == 0 ? "" : std::to_string(count) + " pixels differ, " + text.str();
@@ -117,10 +119,8 @@ std::string comparePixels(const World& expected, const World& actual) {
     if (expected.width() != actual.width() || expected.height() != actual.height())
         return "the sizes differ";
     return compare(actual, [&](int x, int y) {
-        std::array<Range, 4> wanted{};
-        const std::array<int, 4> values = channels(expected.pixel<PF_Pixel8>(x, y));
-        std::transform(values.begin(), values.end(), wanted.begin(), [](int value) { return Range{value, value}; });
-        return wanted;
+        const auto [alpha, red, green, blue] = channels(expected.pixel<PF_Pixel8>(x, y));
+        return std::array<Range, 4>{{{alpha, alpha}, {red, red}, {green, green}, {blue, blue}}};
     });
 }
 
