@@ -1,13 +1,11 @@
 #include "Platform/OpenGL/CGLCurrent.h"
 #include "Platform/OpenGL/DriverLimits.h"
-#include "Platform/OpenGL/NSAutoreleasePool.h"
 #include "Platform/OpenGL/NSOpenGLContext.h"
 #include "Platform/OpenGL/NSOpenGLPixelFormat.h"
 #include "Tests/Support/HostContext.h"
 
 #include <gtest/gtest.h>
 
-#include <barrier>
 #include <latch>
 #include <limits>
 #include <memory>
@@ -86,11 +84,6 @@ TEST_P(BesideAHost, WhatEachMakesCurrentIsSeenAndTheHostsComesBack) {
     EXPECT_TRUE(host.isUntouched());
 }
 
-TEST(Context, IsNotLeftCurrentByTheLookAtTheDriversLimits) {
-    EXPECT_GT(longestRenderableSide(), 0);
-    EXPECT_EQ(CGLGetCurrentContext(), nullptr);
-}
-
 TEST(Context, LivesWhileAThreadHasItCurrent) {
     auto context = makeContext();
     const CGLContextObj object = context->CGLContextObj();
@@ -124,39 +117,6 @@ TEST(Context, IsCurrentOnOneThreadUntilThatEnds) {
     isRefused.count_down();
     other.join();
     EXPECT_TRUE(first->makeCurrentContext());
-}
-
-TEST(Context, ManyThreadsMayBeTheFirst) {
-    std::barrier together(8);
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&] {
-            together.arrive_and_wait();
-            for (int round = 0; round < 5; ++round) {
-                const auto context = makeContext();
-                ASSERT_TRUE(context && context->makeCurrentContext());
-                EXPECT_EQ(NSOpenGLContext::currentContext(), context.get());
-            }
-        });
-}
-
-TEST(AutoreleasePool, ReleasesAtTheEndOfItsOwnScope) {
-    struct Counted : NSObject {
-        explicit Counted(int& living) : mLiving(living) { ++mLiving; }
-        ~Counted() override { --mLiving; }
-        int& mLiving;
-    };
-    int living = 0;
-    const NSAutoreleasePool outer;
-    NSAutoreleasePool::addObject(new Counted(living));
-    try {
-        const NSAutoreleasePool inner;
-        NSAutoreleasePool::addObject(new Counted(living));
-        EXPECT_EQ(living, 2);
-        throw 13;
-    } catch (int) {
-    }
-    EXPECT_EQ(living, 1);
 }
 
 } // namespace
