@@ -83,6 +83,7 @@ std::vector<ShotFrame> shotFrames(const ShotRequest& request, Shot& shot) {
     if (!request.frames)
         shot.gaps = describeGaps(all);
     std::vector<ShotFrame> frames;
+    frames.reserve(numbers.size());
     for (const int number : numbers)
         frames.push_back({number, input ? input->at(number) : std::filesystem::path(request.input),
                           output ? output->at(number) : std::filesystem::path(request.output)});

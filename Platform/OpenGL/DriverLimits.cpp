@@ -48,7 +48,7 @@ template <typename Ask> auto askInContext(const Ask& ask) -> decltype(ask()) {
         return {};
     NSAutoreleasePool::addObject(context);
     const CGLContextObj before = CGLGetCurrentContext();
-    const auto answer = context->makeCurrentContext() ? ask() : decltype(ask()){};
+    auto answer = context->makeCurrentContext() ? ask() : decltype(ask()){};
     CGLSetCurrentContext(before);
     return answer;
 }
