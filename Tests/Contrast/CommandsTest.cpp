@@ -20,6 +20,35 @@ protected:
     }
 };
 
+TEST_F(Commands, AboutGivesTheText) { EXPECT_EQ(effect.about().message, "Ombrique Contrast v1.0\rOmbrique Contrast"); }
+
+TEST_F(Commands, SetupDeclaresTheSliders) {
+    const struct {
+        const char* name;
+        float value;
+        float least;
+        float most;
+        std::int16_t precision;
+    } sliders[] = {{"Contrast Value", 1.0f, 0.0f, 10.0f, 2}, {"Brightness Value", 0.0f, -100.0f, 100.0f, 1}};
+    const auto& parameters = effect.parameters();
+    ASSERT_EQ(parameters.size(), std::size(sliders));
+    EXPECT_EQ(effect.declaration().num_params, 3); // the input layer counts, and is not declared
+    for (std::size_t i = 0; i < std::size(sliders); ++i) {
+        const auto& [name, value, least, most, precision] = sliders[i];
+        PF_ParamDef expected{}; // all that isn't named is zero
+        expected.uu.id = static_cast<std::int32_t>(i) + 1;
+        expected.param_type = 10;
+        std::strcpy(expected.name, name);
+        PF_FloatSliderDef& values = expected.u.fs_d;
+        values.value = values.dephault = value;
+        values.valid_min = values.slider_min = least;
+        values.valid_max = values.slider_max = most;
+        values.precision = precision;
+        values.curve_tolerance = 0.05f;
+        EXPECT_EQ(std::memcmp(&parameters[i], &expected, sizeof expected), 0) << name;
+    }
+}
+
 TEST_F(Commands, OthersTouchNothing) {
     for (const PF_Cmd command : std::initializer_list<PF_Cmd>{2, 5, PF_Cmd_RENDER, 22, 25, -1, 1 << 30}) {
         FaultPlan log;

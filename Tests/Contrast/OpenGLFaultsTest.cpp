@@ -1,12 +1,16 @@
 #include "Hosts/Engine/CheckedRenderer.h"
-#include "Tests/Support/EffectTest.h"
+#include "Tests/Support/PixelOracle.h"
 #include "Tests/Support/Sweep.h"
 
 #include <EGL/egl.h>
 #include <GL/glcorearb.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace Ombrique::Tests {
 
@@ -21,8 +25,11 @@ struct OpenGLFaults {
     /// The first call that fails, 0 for none, and whether all after it do so, too.
     int first = 0;
     bool goesOn = false;
+    /// What was made and not deleted, of the kinds that contexts share.
+    std::set<std::pair<std::string_view, unsigned>> living;
 
     bool strikes() { return ++count == first || (goesOn && first > 0 && count > first); }
+    bool fired() const { return first > 0 && count >= first; }
 } faults;
 
 template <std::size_t size> struct Name {
@@ -36,7 +43,39 @@ template <Name name, typename Function> struct Wrapped;
 template <Name name, typename Result, typename... Arguments> struct Wrapped<name, Result (*)(Arguments...)> {
     static inline Result (*real)(Arguments...) = nullptr;
 
-    static Result call(Arguments... arguments) { return faults.strikes() ? Result() : real(arguments...); }
+    static Result call(Arguments... arguments) {
+        constexpr std::string_view full = name.text;
+        if constexpr (full.starts_with("glDelete")) {
+            const std::string_view kind = full.substr(8);
+            if constexpr (sizeof...(Arguments) == 2)
+                forget(kind, arguments...);
+            else
+                (faults.living.erase({kind, arguments}), ...);
+            return real(arguments...);
+        } else if (faults.strikes())
+            return Result();
+        else if constexpr (full.starts_with("glGen")) {
+            real(arguments...);
+            remember(full.substr(5), arguments...);
+        } else if constexpr (full.starts_with("glCreate")) {
+            const Result object = real(arguments...);
+            faults.living.insert({full.substr(8), object});
+            return object;
+        } else
+            return real(arguments...);
+    }
+
+    static void remember(std::string_view kind, int count, const unsigned* names) {
+        // Frame buffers and vertex arrays end with their contexts.
+        if (kind != "Framebuffers" && kind != "VertexArrays")
+            for (const unsigned* object = names; object != names + count; ++object)
+                faults.living.insert({kind, *object});
+    }
+
+    static void forget(std::string_view kind, int count, const unsigned* names) {
+        for (const unsigned* object = names; object != names + count; ++object)
+            faults.living.erase({kind, *object});
+    }
 };
 
 /// In the place of the driver's function `asked` the one with faults; null where it is another's.
@@ -53,6 +92,11 @@ constexpr Address (*kWraps[])(std::string_view, Address) = {
     wrap<"glGenFramebuffers", PFNGLGENFRAMEBUFFERSPROC>,
     wrap<"glGenBuffers", PFNGLGENBUFFERSPROC>,
     wrap<"glGenVertexArrays", PFNGLGENVERTEXARRAYSPROC>,
+    wrap<"glDeleteTextures", PFNGLDELETETEXTURESPROC>,
+    wrap<"glDeleteRenderbuffers", PFNGLDELETERENDERBUFFERSPROC>,
+    wrap<"glDeleteBuffers", PFNGLDELETEBUFFERSPROC>,
+    wrap<"glDeleteShader", PFNGLDELETESHADERPROC>,
+    wrap<"glDeleteProgram", PFNGLDELETEPROGRAMPROC>,
     wrap<"glCreateShader", PFNGLCREATESHADERPROC>,
     wrap<"glCreateProgram", PFNGLCREATEPROGRAMPROC>,
     wrap<"glShaderSource", PFNGLSHADERSOURCEPROC>,
@@ -72,41 +116,62 @@ constexpr Address (*kWraps[])(std::string_view, Address) = {
     wrap<"glReadPixels", PFNGLREADPIXELSPROC>,
 };
 
-/// The driver fails in a first or a later frame, once or from there on, and no wrong picture is called done. A fault
-/// that passes costs no picture at all.
-TEST_F(EffectTest, NoWrongPictureOfAFailingDriverIsCalledDone) {
-    CheckedRenderer renderer(effect);
-    World input = makePicture(31, 19, 2);
-    const Correction correction{1.3, 4.0};
-    const struct {
-        const char* name;
-        bool goesOn;
-        bool first;
-    } rows[] = {{"once in a first frame", false, true},
-                {"once in a later frame", false, false},
-                {"from there on in a first frame", true, true},
-                {"from there on in a later frame", true, false}};
-    for (const auto& [name, goesOn, first] : rows)
-        Tests::sweep(name, 4, [&, goesOn = goesOn, first = first](int n) {
-            bool fired = false;
-            check([&] {
-                EXPECT_TRUE(effect.setDown().clean() && effect.setUp().clean());
-                EXPECT_EQ(first ? "" : plainFrame(correction, 1, {31, 19}), "");
-                faults = {.first = n, .goesOn = goesOn};
-                World output(31, 19);
-                try {
-                    const FrameRequest request{.input = &input, .output = &output, .values = correction.sliders()};
-                    EXPECT_TRUE(renderer.render(request).clean());
-                    EXPECT_EQ(compareWithOracle(input, output, correction), "");
-                } catch (const NoPicture&) {
-                    EXPECT_TRUE(goesOn);
-                }
-                fired = faults.count >= n;
-                faults = {};
-            });
-            return fired;
-        });
+/// Whether a fault strikes once or goes on, in a first frame or in a later one.
+struct OpenGLFaultCase {
+    const char* name;
+    bool goesOn;
+    bool first;
+};
+
+class OpenGLFaultsTest : public testing::TestWithParam<OpenGLFaultCase> {
+protected:
+    /// How a frame comes out: "" for the right picture, "none" where it is said that there is none.
+    std::string frame(unsigned seed) {
+        World input = makePicture(31, 19, seed);
+        World output(31, 19);
+        const Correction correction{1.3, 4.0};
+        try {
+            const FrameResult result =
+                renderer.render({.input = &input, .output = &output, .values = correction.sliders()});
+            return result.clean() ? compareWithOracle(input, output, correction) : result.describe();
+        } catch (const NoPicture&) {
+            return "none";
+        }
+    }
+
+    PluginBundle bundle{OMBRIQUE_TEST_BUNDLE};
+    Effect effect{bundle};
+    CheckedRenderer renderer{effect};
+};
+
+/// The driver fails, and no wrong picture is called done. A fault that passes costs no picture at all.
+TEST_P(OpenGLFaultsTest, NoWrongPictureIsCalledDone) {
+    const auto& [name, goesOn, first] = GetParam();
+    sweep(name, 4, [&, goesOn = goesOn, first = first](int n) {
+        EXPECT_TRUE(effect.setUp().clean());
+        EXPECT_EQ(first ? "" : frame(1), "");
+        faults.count = 0;
+        faults.goesOn = goesOn;
+        faults.first = n;
+        const std::string picture = frame(2);
+        const bool fired = faults.fired();
+        faults.first = 0;
+        EXPECT_TRUE(picture.empty() || (goesOn && picture == "none")) << picture;
+        EXPECT_EQ(frame(3), "") << "the next frame";
+        EXPECT_TRUE(effect.setDown().clean());
+        for (const auto& [kind, object] : faults.living)
+            ADD_FAILURE() << object << " of " << kind << " is left";
+        faults.living.clear();
+        return fired;
+    });
 }
+
+INSTANTIATE_TEST_SUITE_P(Driver, OpenGLFaultsTest,
+                         testing::Values(OpenGLFaultCase{"OnceInAFirstFrame", false, true},
+                                         OpenGLFaultCase{"OnceInALaterFrame", false, false},
+                                         OpenGLFaultCase{"FromThereOnInAFirstFrame", true, true},
+                                         OpenGLFaultCase{"FromThereOnInALaterFrame", true, false}),
+                         [](const auto& testCase) { return testCase.param.name; });
 
 } // namespace
 
