@@ -200,6 +200,22 @@ TEST_F(Program, LeavesWhatWasThereOnAFullDisk) {
     EXPECT_EQ(folder.names(), names);
 }
 
+#ifndef __SANITIZE_ADDRESS__ // which takes any address space that there is
+/// A driver without memory draws black, and says nothing.
+TEST_F(Program, GivesTheRightPictureOrNoneWhereMemoryEnds) {
+    Hosts::World large(3840, 2160);
+    large.fill(PF_Pixel8{255, 200, 100, 50});
+    writePictureFile(folder / "large.png", large, {});
+    run({"/large.png", "/right.png", "--contrast", "1.4"});
+    for (const std::string kilobytes : {"800000", "1000000", "1100000", "1200000", "1400000"}) {
+        run({"/large.png", "/out.png", "--contrast", "1.4"}, "ulimit -v " + kilobytes + "; LP_NUM_THREADS=1");
+        EXPECT_TRUE(status == 0 || status == 1) << kilobytes << " ended with " << status;
+        EXPECT_TRUE(readFile(folder / "out.png") == (status == 0 ? readFile(folder / "right.png") : "")) << kilobytes;
+        std::filesystem::remove(folder / "out.png");
+    }
+}
+#endif
+
 /// Killed at any moment it leaves whole files; told to stop, nothing but these.
 TEST_F(Program, LeavesWholeFilesAfterASignal) {
     const std::pair<int, const char*> rows[] = {{1, "KILL"}, {30, "KILL"}, {60, "TERM"}};
