@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <map>
 #include <string_view>
+#include <unistd.h>
 
 namespace Ombrique::Hosts {
 
@@ -32,6 +34,21 @@ const std::map<std::string, std::string_view> kChannels = {
 };
 
 } // namespace
+
+const char* decoderDanger(int descriptor) {
+    std::array<unsigned char, 22> header{};
+    std::array<unsigned char, 16> icon{};
+    if (pread(descriptor, header.data(), header.size(), 0) < std::ssize(header))
+        return nullptr;
+    if (std::memcmp(header.data(), "\1\xda", 2) == 0 && header[3] != 1 && header[3] != 2)
+        return "is damaged: SGI files have one or two bytes a sample";
+    if (std::memcmp(header.data(), "\0\0\1\0", 4) != 0)
+        return nullptr;
+    const auto offset = header[18] | header[19] << 8 | header[20] << 16 | off_t{header[21]} << 24;
+    const bool isWhole = pread(descriptor, icon.data(), icon.size(), offset) == std::ssize(icon);
+    const bool isFine = isWhole && (std::memcmp(icon.data(), "\x89PNG", 4) == 0 || icon[14] == 32);
+    return isFine ? nullptr : "can't be read: of icons, those with 32 bits a pixel and PNG alone can be";
+}
 
 AlphaConvention alphaConvention(const std::string& format, bool declaredStraight) {
     // These hold straight colours by their own rules, whether or not OpenImageIO says so.

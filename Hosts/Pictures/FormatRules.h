@@ -9,6 +9,10 @@
 // names.
 namespace Ombrique::Hosts {
 
+/// Why not to show a file to OpenImageIO, two of whose decoders write or read beyond their memory: a sentence for
+/// people, or null where there is no reason. `descriptor` is open for reading.
+const char* decoderDanger(int descriptor);
+
 /// How the colours of a picture file relate to its alpha, as its pixels pass through OpenImageIO.
 enum class AlphaConvention {
     /// Colours are independent of alpha.

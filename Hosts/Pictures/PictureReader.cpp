@@ -2,8 +2,8 @@
 
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/FormatRules.h"
-#include "Hosts/Pictures/PngReader.h"
 #include "Hosts/Pictures/QuietStandardError.h"
+#include "Hosts/Png/PngReader.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -19,29 +19,13 @@ namespace Ombrique::Hosts {
 
 namespace {
 
-/// Why not to show a file to OpenImageIO, two of whose decoders leave their memory; null where there is no reason.
-const char* dangerOf(int descriptor) {
-    std::array<unsigned char, 22> header{};
-    std::array<unsigned char, 16> icon{};
-    if (pread(descriptor, header.data(), header.size(), 0) < std::ssize(header))
-        return nullptr;
-    if (std::memcmp(header.data(), "\1\xda", 2) == 0 && header[3] != 1 && header[3] != 2)
-        return "is damaged: SGI files have one or two bytes a sample";
-    if (std::memcmp(header.data(), "\0\0\1\0", 4) != 0)
-        return nullptr;
-    const auto offset = header[18] | header[19] << 8 | header[20] << 16 | off_t{header[21]} << 24;
-    const bool isWhole = pread(descriptor, icon.data(), icon.size(), offset) == std::ssize(icon);
-    const bool isFine = isWhole && (std::memcmp(icon.data(), "\x89PNG", 4) == 0 || icon[14] == 32);
-    return isFine ? nullptr : "can't be read: of icons, those with 32 bits a pixel and PNG alone can be";
-}
-
 /// OpenImageIO's own words for a file that isn't there differ from format to format, and what is no file, such as a
 /// pipe, it waits for.
 void requireReadable(const std::filesystem::path& path) {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat status {};
     const int error = descriptor < 0 || fstat(descriptor, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? EISDIR : 0;
-    const char* const danger = error == 0 ? dangerOf(descriptor) : nullptr;
+    const char* const danger = error == 0 ? decoderDanger(descriptor) : nullptr;
     if (descriptor >= 0)
         close(descriptor);
     if (error != 0)

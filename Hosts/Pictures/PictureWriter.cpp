@@ -2,8 +2,8 @@
 
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/FormatRules.h"
-#include "Hosts/Pictures/PngWriter.h"
 #include "Hosts/Pictures/QuietStandardError.h"
+#include "Hosts/Png/PngWriter.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "Hosts/Pictures/Failure.h"
 #include "Hosts/Pictures/PictureReader.h"
-#include "Hosts/Pictures/PngChunks.h"
+#include "Hosts/Png/PngChunks.h"
 #include "Tests/Fuzz/Require.h"
 
 #include <filesystem>

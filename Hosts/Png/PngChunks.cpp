@@ -1,4 +1,4 @@
-#include "Hosts/Pictures/PngChunks.h"
+#include "Hosts/Png/PngChunks.h"
 
 #include <algorithm>
 #include <libdeflate.h>

@@ -1,6 +1,6 @@
-#include "Hosts/Pictures/PngReader.h"
+#include "Hosts/Png/PngReader.h"
 
-#include "Hosts/Pictures/PngChunks.h"
+#include "Hosts/Png/PngChunks.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -70,16 +70,15 @@ struct FileBytes {
     std::unique_ptr<std::uint8_t[]> memory;
     Bytes bytes;
 
-    static std::optional<FileBytes> read(const std::filesystem::path& path, std::size_t most) {
+    /// Empty where the file can't be read, or is larger.
+    FileBytes(const std::filesystem::path& path, std::size_t most) {
         std::ifstream file(path, std::ios::binary | std::ios::ate);
         const std::streamoff size = file.tellg();
         if (size < 0 || static_cast<std::size_t>(size) > most)
-            return std::nullopt;
-        FileBytes all{std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size)), {}};
-        all.bytes = {all.memory.get(), static_cast<std::size_t>(size)};
-        if (!file.seekg(0).read(reinterpret_cast<char*>(all.memory.get()), size))
-            return std::nullopt;
-        return all;
+            return;
+        memory = std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size));
+        if (file.seekg(0).read(reinterpret_cast<char*>(memory.get()), size))
+            bytes = {memory.get(), static_cast<std::size_t>(size)};
     }
 };
 
@@ -143,8 +142,8 @@ bool readPlainPng(const std::filesystem::path& path, const OIIO::ImageSpec& spec
     const std::size_t length = static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
     const std::size_t size = (1 + length) * static_cast<std::size_t>(spec.height);
     // What is stored without compression, and as much beside the pixels as is usual.
-    auto file = FileBytes::read(path, size + size / 16 + (1 << 20));
-    const auto stream = file ? pixelStream(file->bytes, spec) : std::nullopt;
+    FileBytes file(path, size + size / 16 + (1 << 20));
+    const auto stream = pixelStream(file.bytes, spec);
     // No stream shrinks its content further.
     constexpr std::size_t kMostOfDeflate = 1032;
     if (!stream || stream->size() < size / kMostOfDeflate)
@@ -152,7 +151,7 @@ bool readPlainPng(const std::filesystem::path& path, const OIIO::ImageSpec& spec
     const auto rows = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     if (!inflate(*stream, {rows.get(), size}))
         return false;
-    file.reset();
+    file.memory.reset();
     const std::vector<std::uint8_t> blank(length);
     const std::uint8_t* above = blank.data();
     std::uint8_t* row = rows.get();

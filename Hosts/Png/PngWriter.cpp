@@ -1,13 +1,13 @@
-#include "Hosts/Pictures/PngWriter.h"
+#include "Hosts/Png/PngWriter.h"
 
-#include "Hosts/Pictures/Failure.h"
-#include "Hosts/Pictures/Picture.h"
-#include "Hosts/Pictures/PngChunks.h"
-#include "Hosts/Pictures/QuickDeflate.h"
+#include "Hosts/Png/PngChunks.h"
+#include "Hosts/Png/QuickDeflate.h"
 
 #include <algorithm>
 #include <cassert>
 #include <libdeflate.h>
+#include <stdexcept>
+#include <vector>
 
 namespace Ombrique::Hosts {
 
@@ -26,7 +26,7 @@ Bytes encodeOneRow(const std::filesystem::path& path, OIIO::ImageSpec spec) {
     const Bytes black(spec.scanline_bytes());
     if (!encoder->open(path.string(), spec) ||
         !encoder->write_scanline(spec.y, 0, OIIO::TypeDesc::UINT8, black.data()) || !encoder->close())
-        throw Failure(path.string() + ": can't be written: " + firstErrorLine(encoder->geterror(), "no reason given"));
+        throw std::runtime_error(path.string() + ": can't be written as PNG");
     return bytes;
 }
 

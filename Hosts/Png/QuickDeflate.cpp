@@ -1,4 +1,4 @@
-#include "Hosts/Pictures/QuickDeflate.h"
+#include "Hosts/Png/QuickDeflate.h"
 
 #include <algorithm>
 #include <array>
