@@ -175,12 +175,13 @@ mp.register_event("playback-restart", function()
 end)
 -- Where a change ended without one, others wait no longer.
 mp.add_periodic_timer(1, function() if busy > 0 and mp.get_time() > busy then busy = 0 show() end end)
-mp.register_event("end-file", function(e) if e.reason == "error" then fail(1, path .. ": " .. e.file_error) end end)
-mp.enable_messages("error")
-mp.register_event("log-message", function(message)
-    if message.text:match("^Disabling filter") then fail(1) end -- the effect has said why
-    if message.text:match("video_out") then fail(1, "no window can be opened on this display") end
+mp.register_event("end-file", function(e)
+    local words = (e.file_error or ""):gsub("^no audio or video.*", "no picture, or no display that takes a window")
+    if e.reason == "error" then fail(1, path .. ": " .. words) end
 end)
+mp.enable_messages("error")
+-- The effect has said why.
+mp.register_event("log-message", function(m) if m.text:match("^Disabling filter") then fail(1) end end)
 mp.register_event("shutdown", function() if options() ~= printed then printOptions() end os.remove(listFile) end)
 
 local settings = mp.get_property_native("script-opts")
