@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <optional>
 #include <sstream>
 
@@ -119,6 +120,8 @@ void assignFiles(Arguments& arguments, const std::vector<std::string>& files, bo
         return;
     if (files.empty())
         throw CLI::RequiredError("INPUT");
+    if (std::ranges::find(files, "") != files.end())
+        throw CLI::ValidationError("FILE", "a file's name is empty");
     if (!arguments.sheet.empty() &&
         (files.size() > 1 || arguments.compare || shot.skipExisting || arguments.listMissing || !shot.into.empty()))
         throw CLI::ValidationError("--sheet", "goes with INPUT and the sliders alone");

@@ -48,6 +48,7 @@ TEST(ArgumentsTest, SayWhatIsWrongInOneLine) {
         {"format without a folder", {"a", "b", "--format", "png"}, "--format: goes with --into"},
         {"no arguments", {}, "INPUT"},
         {"no output", {"a"}, "OUTPUT"},
+        {"an empty name", {"", "b"}, "FILE: a file's name is empty"},
         {"one file too many", {"a", "b", "more.png"}, "more.png"},
         {"unknown option", {"a", "b", "--contrats", "2"}, "--contrats"},
         {"option without value", {"a", "b", "--contrast"}, "--contrast"},
